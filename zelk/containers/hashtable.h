@@ -1,0 +1,151 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "zelk/containers/object_pool.h"
+#include "zelk/containers/primes.h"
+
+namespace zelk::hsh {
+
+/// A chained hash table that only grows: its nodes come from a pool of its own, stay where they
+/// are, and live until the table is destroyed.
+///
+/// GetKey takes the Key out of a Value, Hash maps a Key to 64 bits, Eq compares two Keys; none of
+/// them may throw. Bucket counts are `primes`, at first 31; before each insertion attempt a load
+/// above 0.7 grows the table to the next one. A failed growth or insertion leaves every entry.
+template <class Value, class GetKey, class Key, class Hash, class Eq>
+class Hashtable {
+ public:
+  struct Bucket {
+    Bucket* next;
+    Value value;
+  };
+
+  /// The result of a lookup; `node` is null at the end. Two are equal when their nodes are.
+  struct iterator {
+    std::vector<Bucket*>* table_buckets;
+    std::size_t bucket_count;
+    std::size_t index;
+    Bucket* node;
+
+    friend bool operator==(iterator const& a, iterator const& b) { return a.node == b.node; }
+  };
+
+  Hashtable() : buckets(primes.front(), nullptr) {}
+  Hashtable(Hashtable const&) = delete;
+  Hashtable& operator=(Hashtable const&) = delete;
+
+  ~Hashtable() {
+    for (Bucket* head : buckets)
+      while (head != nullptr) pool.free(std::exchange(head, head->next));
+  }
+
+  iterator end() { return at(buckets.size(), nullptr); }
+
+  /// The entry with key k, or the end. An empty table answers without hashing.
+  iterator find(Key const& k) {
+    std::size_t index;
+    Bucket* node;
+    return count != 0 && do_find(k, &index, &node) ? at(index, node) : end();
+  }
+
+  /// Adds a copy of v unless its key is present, in which case nothing is replaced.
+  /// Returns the entry with that key, and whether it was added.
+  std::pair<iterator, bool> insert(Value const& v) {
+    std::size_t index;
+    Bucket* node;
+    bool const added = do_insert(v, &index, &node);
+    return {at(index, node), added};
+  }
+
+  /// Sets *index to the bucket of k; on true also *node to the entry with key k.
+  bool do_find(Key const& k, std::size_t* index, Bucket** node) {
+    *index = index_of(k, buckets.size());
+    for (Bucket* candidate = buckets[*index]; candidate != nullptr; candidate = candidate->next) {
+      if (Eq()(GetKey()(candidate->value), k)) {
+        *node = candidate;
+        return true;
+      }
+    }
+    return false;
+  }
+
+  /// As `insert`, telling bucket and node of the entry, new or old, through the pointers.
+  bool do_insert(Value const& v, std::size_t* index, Bucket** node) {
+    make_room();
+    if (do_find(GetKey()(v), index, node)) return false;
+    *node = add(*index, v);
+    return true;
+  }
+
+  /// Makes the bucket count the least of `primes` that is n or more (the largest of them when none
+  /// is), unless it is n already. Entries that meet in a new chain stand in reverse order of the
+  /// walk over the old one.
+  void rehash(std::size_t n) {
+    if (buckets.size() >= n) return;
+    auto const* const least = std::lower_bound(primes.begin(), primes.end() - 1, n);
+    std::vector<Bucket*> grown(*least, nullptr);
+    for (Bucket* head : buckets) {
+      while (head != nullptr) {
+        Bucket* const node = std::exchange(head, head->next);
+        push(grown[index_of(GetKey()(node->value), grown.size())], node);
+      }
+    }
+    buckets.swap(grown);
+  }
+
+  /// A node from the pool with a copy of v, in no chain.
+  Bucket* new_Bucket(Value const& v) {
+    void* const slot = pool.allocate();
+    try {
+      return ::new (slot) Bucket{nullptr, v};
+    } catch (...) {
+      pool.recycle(slot);
+      throw;
+    }
+  }
+
+  std::size_t size() const { return count; }
+  std::size_t bucket_count() const { return buckets.size(); }
+
+  /// The first node of a chain, for looking at what the table holds. Requires: index is below
+  /// bucket_count().
+  Bucket const* chain(std::size_t index) const { return buckets[index]; }
+
+ protected:
+  /// The load check of every insertion attempt, made before the key is looked up.
+  void make_room() {
+    float const load = static_cast<float>(count) / static_cast<float>(buckets.size());
+    if (static_cast<double>(load) > 0.7) rehash(buckets.size() + 1);
+  }
+
+  /// Adds v, whose key is absent, to its chain.
+  Bucket* add(std::size_t index, Value const& v) {
+    Bucket* const node = new_Bucket(v);
+    push(buckets[index], node);
+    ++count;
+    return node;
+  }
+
+ private:
+  static std::size_t index_of(Key const& k, std::size_t bucket_count) {
+    return Hash()(k) % bucket_count;
+  }
+
+  static void push(Bucket*& head, Bucket* node) {
+    node->next = head;
+    head = node;
+  }
+
+  iterator at(std::size_t index, Bucket* node) { return {&buckets, buckets.size(), index, node}; }
+
+  ObjectPool<Bucket, false> pool;
+  std::vector<Bucket*> buckets;
+  std::uint64_t count = 0;
+};
+
+}  // namespace zelk::hsh

@@ -1,0 +1,338 @@
+#pragma once
+
+#include <bit>
+#include <cassert>
+#include <climits>
+#include <concepts>
+#include <type_traits>
+
+#include <gmp.h>
+
+#include "zelk/numbers/gcd_cache.h"
+#include "zelk/numbers/integer_view.h"
+
+namespace zelk {
+
+static_assert(sizeof(long) == 8, "zelk holds small numbers in `long`, which must have 64 bits here");
+static_assert(sizeof(void*) == sizeof(long), "zelk holds a pointer in a `long`");
+static_assert(GMP_NUMB_BITS == 64, "zelk needs a GMP with 64-bit limbs and no nails");
+
+/// An exact rational number, always in lowest terms with a positive denominator; zero is 0/1.
+///
+/// While both parts fit in 64 bits the number is its two machine words (small form). Beyond that
+/// it owns one heap block with two GMP integers (big form). Values, order and arithmetic never
+/// depend on the form, only the cost does, with two exceptions: `self_decompose` rounds a negative
+/// non-integer differently, and `Hasher<QNumber>` reads the limbs of a big form.
+///
+/// Forms: an operation on small operands stays small as long as its result and the intermediate
+/// products fit in ±(2^63 - 1); otherwise its target moves to big form and stays there, through
+/// assignment too, whatever values it takes later. One operation leads back: a big non-integer
+/// multiplied by a small zero becomes the small zero.
+///
+/// Zero denominators, division by zero and the inverse of zero are the caller's to avoid; debug
+/// builds assert. When a block cannot be had, `std::bad_alloc` is thrown and the target keeps its
+/// value. GMP ends the process when it cannot get memory for the digits themselves.
+class QNumber {
+ public:
+  /// Scratch for the big forms, never holding anything from one operation to the next, so a host
+  /// may use them between calls too. Ready before any other object of the program is initialised
+  /// and never released: numbers at namespace scope work in any translation unit.
+  static mpz_t gmp_tmp[4];
+
+  QNumber() : num(0), den(1) {}
+
+  /// n/1, without any gcd. In big form only for -2^63.
+  QNumber(long n) : num(n), den(1) {
+    if (n == LONG_MIN) [[unlikely]]
+      make_big();
+  }
+
+  /// Numbers that a conversion to `long` would change silently.
+  template <class T>
+    requires(std::floating_point<T> || (std::unsigned_integral<T> && sizeof(T) >= sizeof(long)))
+  QNumber(T) = delete;
+
+  /// n/d in lowest terms. In big form exactly when n or d is -2^63. Requires: d != 0.
+  QNumber(long n, long d) : num(n), den(d) {
+    assert(d != 0);
+    if (n == LONG_MIN || d == LONG_MIN) [[unlikely]] {
+      make_big();
+      normalise_big();
+    } else if (n == 0) {
+      den = 1;
+    } else {
+      reduce_words();
+    }
+  }
+
+  /// numerator/denominator in lowest terms, in small form whenever it fits.
+  /// Requires: denominator != 0. Either may be one of `gmp_tmp`.
+  static QNumber from_mpz(mpz_srcptr numerator, mpz_srcptr denominator);
+
+  QNumber(QNumber const& other) : num(other.num), den(other.den) {
+    if (den == 0) [[unlikely]]
+      clone_block();
+  }
+
+  ~QNumber() {
+    if (den == 0) [[unlikely]]
+      release_block();
+  }
+
+  QNumber& operator=(QNumber const& other) {
+    if (is_small_with(other)) [[likely]] {
+      num = other.num;
+      den = other.den;
+    } else {
+      assign_big(other);
+    }
+    return *this;
+  }
+
+  bool is_big() const { return den == 0; }
+  bool is_zero() const { return sign() == 0; }
+  bool is_integer() const { return den == 1 || (den == 0 && has_big_unit_denominator()); }
+
+  /// -1, 0 or 1.
+  int sign() const {
+    if (den == 0) [[unlikely]]
+      return mpz_sgn(block()->numerator);
+    return (num > 0) - (num < 0);
+  }
+
+  /// The two parts as GMP integers, in either form; each view is good until the number changes.
+  IntegerView numerator() const {
+    if (den == 0) return IntegerView(block()->numerator);
+    return IntegerView(num);
+  }
+  IntegerView denominator() const {
+    if (den == 0) return IntegerView(block()->denominator);
+    return IntegerView(den);
+  }
+
+  /// The two parts as machine words. Requires: small form.
+  long small_numerator() const {
+    assert(den != 0);
+    return num;
+  }
+  long small_denominator() const {
+    assert(den != 0);
+    return den;
+  }
+
+  /// The same object may stand on both sides of each of these. Division requires b != 0.
+  QNumber& operator+=(QNumber const& b) {
+    if (!(is_small_with(b) && add_words<Sign::plus>(b))) [[unlikely]]
+      add_big(b, Sign::plus);
+    return *this;
+  }
+  QNumber& operator-=(QNumber const& b) {
+    if (!(is_small_with(b) && add_words<Sign::minus>(b))) [[unlikely]]
+      add_big(b, Sign::minus);
+    return *this;
+  }
+  QNumber& operator*=(QNumber const& b) {
+    if (!(is_small_with(b) && multiply_words(b))) [[unlikely]]
+      multiply_big(b);
+    return *this;
+  }
+  QNumber& operator/=(QNumber const& b) {
+    if (b.den == 0) [[unlikely]]
+      divide_big(b);
+    else
+      *this *= b.inv();
+    return *this;
+  }
+
+  friend QNumber operator+(QNumber const& a, QNumber const& b) {
+    QNumber t(a);
+    t += b;
+    return t;
+  }
+  friend QNumber operator-(QNumber const& a, QNumber const& b) {
+    QNumber t(a);
+    t -= b;
+    return t;
+  }
+  friend QNumber operator*(QNumber const& a, QNumber const& b) {
+    QNumber t(a);
+    t *= b;
+    return t;
+  }
+  friend QNumber operator/(QNumber const& a, QNumber const& b) {
+    QNumber t(a);
+    t /= b;
+    return t;
+  }
+
+  void negate() {
+    if (den == 0) [[unlikely]]
+      mpz_neg(block()->numerator, block()->numerator);
+    else
+      num = -num;
+  }
+
+  /// 1/value, in this number's form. Requires: the value is not 0.
+  QNumber inv() const {
+    assert(!is_zero());
+    if (den == 0) [[unlikely]]
+      return inv_big();
+    return {den, num};
+  }
+
+  /// |q|, in q's form.
+  friend QNumber abs(QNumber const& q) {
+    if (q.den == 0) [[unlikely]]
+      return q.abs_big();
+    return {magnitude(q.num), q.den};
+  }
+
+  /// Returns an integer and leaves the fraction, so that the old value is their sum: in small form
+  /// the integer is rounded toward zero and the fraction has the sign of the value (-7/2 splits
+  /// into -3 and -1/2), in big form it is the floor and the fraction lies in [0, 1) (-4 and 1/2).
+  QNumber self_decompose() {
+    if (den == 0) [[unlikely]]
+      return split_big();
+    long const whole = num / den;
+    *this = QNumber(num % den, den);
+    return {whole};
+  }
+
+  friend bool operator==(QNumber const& a, QNumber const& b) {
+    if (!a.is_small_with(b)) [[unlikely]]
+      return equal_big(a, b);
+    return a.num == b.num && a.den == b.den;
+  }
+
+  friend bool operator<(QNumber const& a, QNumber const& b) {
+    if (!a.is_small_with(b)) [[unlikely]]
+      return less_big(a, b);
+    if (a.num < 0 ? b.num >= 0 : b.num <= 0) return a.num < 0;
+    if (a.den == 1 && b.den == 1) return a.num < b.num;
+    // Cross products of two words fit in 128 bits, so the verdict needs no cancelling. The gcds
+    // are taken all the same: comparing numbers is one of the things that fill the table.
+    detail::cached_gcd(magnitude(a.num), magnitude(b.num));
+    detail::cached_gcd(b.den, a.den);
+    return static_cast<DoubleWord>(a.num) * b.den < static_cast<DoubleWord>(b.num) * a.den;
+  }
+
+ private:
+  enum class Sign { plus, minus };
+  __extension__ using DoubleWord = __int128;
+
+  struct Block {
+    Block(long n, long d) {
+      mpz_init_set_si(numerator, n);
+      mpz_init_set_si(denominator, d);
+    }
+    Block(mpz_srcptr n, mpz_srcptr d) {
+      mpz_init_set(numerator, n);
+      mpz_init_set(denominator, d);
+    }
+    Block(Block const&) = delete;
+    Block& operator=(Block const&) = delete;
+    ~Block() {
+      mpz_clear(numerator);
+      mpz_clear(denominator);
+    }
+
+    mpz_t numerator;
+    mpz_t denominator;
+  };
+
+  Block* block() const { return std::bit_cast<Block*>(num); }
+  void adopt(Block* owned) {
+    num = std::bit_cast<long>(owned);
+    den = 0;
+  }
+
+  bool is_small_with(QNumber const& other) const { return den != 0 && other.den != 0; }
+
+  static long magnitude(long word) { return word < 0 ? -word : word; }
+
+  // Each forms its result only within ±(2^63 - 1) and says whether it could.
+  static bool product(long x, long y, long& result) {
+    return !__builtin_mul_overflow(x, y, &result) && result != LONG_MIN;
+  }
+  template <Sign sign>
+  static bool sum(long x, long y, long& result) {
+    bool const overflow = sign == Sign::plus ? __builtin_add_overflow(x, y, &result)
+                                             : __builtin_sub_overflow(x, y, &result);
+    return !overflow && result != LONG_MIN;
+  }
+
+  void reduce_words() {
+    long const g = detail::cached_gcd(magnitude(num), magnitude(den));
+    if (g != 1) {
+      num /= g;
+      den /= g;
+    }
+    if (den < 0) {
+      num = -num;
+      den = -den;
+    }
+  }
+
+  // Both write their target only when everything fits.
+  template <Sign sign>
+  bool add_words(QNumber const& b) {
+    if (den == 1 && b.den == 1) {
+      long s;
+      if (!sum<sign>(num, b.num, s)) return false;
+      num = s;
+      return true;
+    }
+    // Over the least common denominator only a factor of g can still cancel.
+    long const g = detail::cached_gcd(den, b.den);
+    long const scale_b = den / g;
+    long const scale_a = b.den / g;
+    long x, y, s, d;
+    if (!product(b.num, scale_b, x) || !product(num, scale_a, y) || !sum<sign>(y, x, s))
+      return false;
+    long const g2 = detail::cached_gcd(magnitude(s), g);
+    if (!product(scale_b, b.den / g2, d)) return false;
+    num = s / g2;
+    den = d;
+    return true;
+  }
+
+  bool multiply_words(QNumber const& b) {
+    long n, d;
+    if (den == 1 && b.den == 1) {
+      if (!product(num, b.num, n)) return false;
+      num = n;
+      return true;
+    }
+    // Cancelled crosswise first, the product is in lowest terms.
+    long const g1 = detail::cached_gcd(magnitude(num), b.den);
+    long const g2 = detail::cached_gcd(magnitude(b.num), den);
+    if (!product(num / g1, b.num / g2, n) || !product(den / g2, b.den / g1, d)) return false;
+    num = n;
+    den = d;
+    return true;
+  }
+
+  [[gnu::noinline, gnu::cold]] void make_big();
+  [[gnu::noinline, gnu::cold]] void clone_block();
+  [[gnu::noinline, gnu::cold]] void release_block();
+  [[gnu::noinline, gnu::cold]] void normalise_big();
+  [[gnu::noinline, gnu::cold]] void assign_big(QNumber const& other);
+  [[gnu::noinline, gnu::cold]] bool has_big_unit_denominator() const;
+  [[gnu::noinline, gnu::cold]] void add_big(QNumber const& b, Sign sign);
+  [[gnu::noinline, gnu::cold]] void multiply_big(QNumber const& b);
+  [[gnu::noinline, gnu::cold]] void divide_big(QNumber const& b);
+  [[gnu::noinline, gnu::cold]] QNumber inv_big() const;
+  [[gnu::noinline, gnu::cold]] QNumber abs_big() const;
+  [[gnu::noinline, gnu::cold]] QNumber split_big();
+  [[gnu::noinline, gnu::cold]] static bool equal_big(QNumber const& a, QNumber const& b);
+  [[gnu::noinline, gnu::cold]] static bool less_big(QNumber const& a, QNumber const& b);
+
+  // Small form: numerator and denominator, both within ±(2^63 - 1), the denominator at least 1.
+  // Big form: the address of the owned block, and 0.
+  long num;
+  long den;
+};
+
+static_assert(sizeof(QNumber) == 16);
+
+}  // namespace zelk
