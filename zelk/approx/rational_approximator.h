@@ -24,6 +24,9 @@ class RationalApproximator {
   struct ContinuedFraction {
     explicit ContinuedFraction(QNumber const& q) : number(q), remainder(q) {}
 
+    /// Splits terms off the remainder until there are `count`, or all.
+    void extend(unsigned count);
+
     QNumber number;
     std::vector<QNumber> terms;
     QNumber remainder;
@@ -48,7 +51,7 @@ class RationalApproximator {
   /// The convergent of q after prec terms; q itself once prec reaches the number of its terms.
   ///
   /// Requires: prec >= 1, unless q is an integer.
-  /// Cost: one lookup when (q, prec) was asked before; otherwise one fold over prec terms.
+  /// Cost: one lookup when (q, prec) was asked before; otherwise one pass over prec terms.
   QNumber do_approx(QNumber const& q, unsigned prec);
 
   /// The first convergent from precision prec on that is an upper bound of q (dir > 0), a lower
@@ -60,6 +63,8 @@ class RationalApproximator {
   CfCache const& expansions() const { return cf_cache; }
 
  private:
+  friend class ConvergentWalk;
+
   ApproxCache approx_cache;
   CfCache cf_cache;
 };

@@ -50,16 +50,14 @@ struct hash<unsigned> {
 };
 
 /// Hash and equality of a (number, precision) key: with one key it hashes, with two it compares.
-/// Numbers are equal by value, whatever their forms.
+/// Numbers are equal by value, whatever their forms. A `View` of the two parts serves as a key.
 struct pair_hash_eq {
-  using Key = std::pair<QNumber, unsigned>;
+  using View = std::pair<QNumber const&, unsigned>;
 
-  std::uint64_t operator()(Key const& key) const {
+  std::uint64_t operator()(View key) const {
     return Hasher<QNumber>()(key.first) << 32 | key.second;
   }
-  bool operator()(Key const& a, Key const& b) const {
-    return a.first == b.first && a.second == b.second;
-  }
+  bool operator()(View a, View b) const { return a.second == b.second && a.first == b.first; }
 };
 
 }  // namespace hsh

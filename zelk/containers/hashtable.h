@@ -15,8 +15,10 @@ namespace zelk::hsh {
 /// are, and live until the table is destroyed.
 ///
 /// GetKey takes the Key out of a Value, Hash maps a Key to 64 bits, Eq compares two Keys; none of
-/// them may throw. Bucket counts are `primes`, at first 31; before each insertion attempt a load
-/// above 0.7 grows the table to the next one. A failed growth or insertion leaves every entry.
+/// them may throw. Lookups also take any stand-in K for a Key that Hash and Eq accept, so that a
+/// key need not be copied together to be looked up. Bucket counts are `primes`, at first 31; before
+/// each insertion attempt a load above 0.7 grows the table to the next one. A failed growth or
+/// insertion leaves every entry.
 template <class Value, class GetKey, class Key, class Hash, class Eq>
 class Hashtable {
  public:
@@ -47,7 +49,8 @@ class Hashtable {
   iterator end() { return at(buckets.size(), nullptr); }
 
   /// The entry with key k, or the end. An empty table answers without hashing.
-  iterator find(Key const& k) {
+  template <class K = Key>
+  iterator find(K const& k) {
     std::size_t index;
     Bucket* node;
     return count != 0 && do_find(k, &index, &node) ? at(index, node) : end();
@@ -63,7 +66,8 @@ class Hashtable {
   }
 
   /// Sets *index to the bucket of k; on true also *node to the entry with key k.
-  bool do_find(Key const& k, std::size_t* index, Bucket** node) {
+  template <class K = Key>
+  bool do_find(K const& k, std::size_t* index, Bucket** node) {
     *index = index_of(k, buckets.size());
     for (Bucket* candidate = buckets[*index]; candidate != nullptr; candidate = candidate->next) {
       if (Eq()(GetKey()(candidate->value), k)) {
@@ -98,11 +102,19 @@ class Hashtable {
     buckets.swap(grown);
   }
 
-  /// A node from the pool with a copy of v, in no chain.
-  Bucket* new_Bucket(Value const& v) {
+  /// The load check of every insertion attempt, made before the key is looked up.
+  void make_room() {
+    float const load = static_cast<float>(count) / static_cast<float>(buckets.size());
+    if (static_cast<double>(load) > 0.7) rehash(buckets.size() + 1);
+  }
+
+  /// A node from the pool with a value made of `parts` (a copy of it, if that is a Value), in no
+  /// chain.
+  template <class... Parts>
+  Bucket* new_Bucket(Parts const&... parts) {
     void* const slot = pool.allocate();
     try {
-      return ::new (slot) Bucket{nullptr, v};
+      return ::new (slot) Bucket{nullptr, Value(parts...)};
     } catch (...) {
       pool.recycle(slot);
       throw;
@@ -117,22 +129,18 @@ class Hashtable {
   Bucket const* chain(std::size_t index) const { return buckets[index]; }
 
  protected:
-  /// The load check of every insertion attempt, made before the key is looked up.
-  void make_room() {
-    float const load = static_cast<float>(count) / static_cast<float>(buckets.size());
-    if (static_cast<double>(load) > 0.7) rehash(buckets.size() + 1);
-  }
-
-  /// Adds v, whose key is absent, to its chain.
-  Bucket* add(std::size_t index, Value const& v) {
-    Bucket* const node = new_Bucket(v);
+  /// Adds a value made of `parts`, whose key is absent, to its chain.
+  template <class... Parts>
+  Bucket* add(std::size_t index, Parts const&... parts) {
+    Bucket* const node = new_Bucket(parts...);
     push(buckets[index], node);
     ++count;
     return node;
   }
 
  private:
-  static std::size_t index_of(Key const& k, std::size_t bucket_count) {
+  template <class K>
+  static std::size_t index_of(K const& k, std::size_t bucket_count) {
     return Hash()(k) % bucket_count;
   }
 

@@ -12,7 +12,7 @@ extern long gcd_cache[gcd_cache_limit + 1][gcd_cache_limit + 1];
 namespace detail {
 
 /// Enters gcd(a, b) in both orders. Requires: 0 <= a <= gcd_cache_limit, 1 <= b <= gcd_cache_limit.
-void remember_gcd(long a, long b);
+[[gnu::noinline, gnu::cold]] void remember_gcd(long a, long b);
 
 /// gcd(a, b) by Euclid's algorithm, which ends early at the first pair the table already knows and
 /// enters every smaller pair it passes, so that a later walk over the same remainders is one look.

@@ -15,7 +15,7 @@ class IntegerView {
       : limb(word < 0 ? 0 - static_cast<mp_limb_t>(word) : static_cast<mp_limb_t>(word)),
         own MPZ_ROINIT_N(&limb, (word > 0) - (word < 0)),
         shown(own) {}
-  explicit IntegerView(mpz_srcptr integer) : limb(0), own MPZ_ROINIT_N(&limb, 0), shown(integer) {}
+  explicit IntegerView(mpz_srcptr integer) : shown(integer) {}
 
   IntegerView(IntegerView const&) = delete;
   IntegerView& operator=(IntegerView const&) = delete;

@@ -2,6 +2,8 @@
 
 #include <numeric>
 
+#include "zelk/numbers/leading_bits.h"
+
 namespace zelk {
 
 constinit long gcd_cache[gcd_cache_limit + 1][gcd_cache_limit + 1] = {};
@@ -20,7 +22,8 @@ struct ScratchSetup {
 // Nothing undoes it, so numbers also work in destructors that run after main.
 [[gnu::init_priority(101)]] ScratchSetup const scratch_setup;
 
-bool is_one(mpz_srcptr n) { return mpz_cmp_ui(n, 1) == 0; }
+/// Requires: n > 0.
+bool is_one(mpz_srcptr n) { return mpz_getlimbn(n, 0) == 1 && mpz_size(n) == 1; }
 
 /// n / divisor, exact: n itself when there is nothing to divide, otherwise formed in `room`.
 mpz_srcptr cancelled(mpz_ptr room, mpz_srcptr n, mpz_srcptr divisor) {
@@ -45,18 +48,22 @@ void normalise(mpz_ptr n, mpz_ptr d) {
   make_denominator_positive(n, d);
 }
 
-/// n/d *= bn/bd, crosswise cancelled. All four scratch integers are filled before n or d is
-/// written, so that bn and bd may be n and d themselves, in either order.
-void multiply(mpz_ptr n, mpz_ptr d, mpz_srcptr bn, mpz_srcptr bd) {
+/// n/d = an/ad * bn/bd, cancelled crosswise. n and d may be an and ad, and bn and bd too.
+void multiply(mpz_ptr n, mpz_ptr d, mpz_srcptr an, mpz_srcptr ad, mpz_srcptr bn, mpz_srcptr bd) {
   auto& [t0, t1, t2, t3] = QNumber::gmp_tmp;
-  mpz_gcd(t0, n, bd);
-  mpz_gcd(t1, bn, d);
-  mpz_divexact(t2, n, t0);
-  mpz_divexact(t3, bd, t0);
-  mpz_divexact(t0, bn, t1);
-  mpz_divexact(t1, d, t1);
-  mpz_mul(n, t2, t0);
-  mpz_mul(d, t1, t3);
+  if (an == bn) {  // a square is in lowest terms as it stands
+    mpz_mul(n, an, an);
+    mpz_mul(d, ad, ad);
+    return;
+  }
+  mpz_gcd(t0, an, bd);
+  mpz_gcd(t1, bn, ad);
+  mpz_srcptr const left = cancelled(t2, an, t0);
+  mpz_srcptr const below_left = cancelled(t3, bd, t0);
+  mpz_srcptr const right = cancelled(t0, bn, t1);
+  mpz_srcptr const below_right = cancelled(t1, ad, t1);
+  mpz_mul(n, left, right);
+  mpz_mul(d, below_left, below_right);
 }
 
 bool fits_word(mpz_srcptr n) { return mpz_fits_slong_p(n) != 0 && mpz_get_si(n) != LONG_MIN; }
@@ -69,15 +76,21 @@ QNumber QNumber::from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
   assert(mpz_sgn(denominator) != 0);
   if (fits_word(numerator) && fits_word(denominator))
     return {mpz_get_si(numerator), mpz_get_si(denominator)};
-  QNumber big;
-  big.adopt(new Block(numerator, denominator));
-  big.normalise_big();
-  auto& [n, d] = *big.block();
+  QNumber const big = big_from_mpz(numerator, denominator);
+  auto const& [n, d] = *big.block();
   if (!fits_word(n) || !fits_word(d)) return big;
   QNumber small;
   small.num = mpz_get_si(n);
   small.den = mpz_get_si(d);
   return small;
+}
+
+QNumber QNumber::big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator, Terms terms) {
+  assert(mpz_sgn(denominator) != 0);
+  QNumber big;
+  big.adopt(new Block(numerator, denominator));
+  if (terms == Terms::any) big.normalise_big();
+  return big;
 }
 
 void QNumber::make_big() { adopt(new Block(num, den)); }
@@ -99,69 +112,96 @@ void QNumber::assign_big(QNumber const& other) {
 
 bool QNumber::has_big_unit_denominator() const { return is_one(block()->denominator); }
 
-void QNumber::add_big(QNumber const& b, Sign sign) {
-  if (den != 0) make_big();
+/// The block that an operation on `a` writes its result to: a's own for a compound operator.
+QNumber::Block& QNumber::room_for_result(QNumber const& a) {
+  if (den != 0) {
+    if (this == &a)
+      make_big();
+    else
+      adopt(new Block);
+  }
+  return *block();
+}
+
+void QNumber::sum_big(QNumber const& a, QNumber const& b, Sign sign) {
   auto const accumulate = sign == Sign::plus ? mpz_add : mpz_sub;
-  auto& [n, d] = *block();
+  auto& [n, d] = room_for_result(a);
+  IntegerView const an = a.numerator();
+  IntegerView const ad = a.denominator();
   IntegerView const bn = b.numerator();
   IntegerView const bd = b.denominator();
-  if (is_one(d) && is_one(bd)) {
-    accumulate(n, n, bn);
+  if (is_one(ad) && is_one(bd)) {
+    accumulate(n, an, bn);
+    mpz_set_ui(d, 1);
     return;
   }
   auto& [g, t1, t2, t3] = gmp_tmp;
-  mpz_gcd(g, d, bd);
+  mpz_gcd(g, ad, bd);
   if (is_one(g)) {
-    mpz_mul(t1, bn, d);
-    mpz_mul(n, n, bd);
-    accumulate(n, n, t1);
-    mpz_mul(d, d, bd);
+    mpz_mul(t1, bn, ad);
+    mpz_mul(t2, an, bd);
+    accumulate(n, t2, t1);
+    mpz_mul(d, ad, bd);
     return;
   }
-  // Only a factor of g can still cancel. n and d are written last: b may be this number.
-  mpz_divexact(t1, d, g);
+  // Over the least common denominator only a factor of g can still cancel. n and d are written
+  // last: they may be the operands.
+  mpz_divexact(t1, ad, g);
   mpz_divexact(t2, bd, g);
   mpz_mul(t3, bn, t1);
-  mpz_mul(t2, n, t2);
+  mpz_mul(t2, an, t2);
   accumulate(t2, t2, t3);
   mpz_gcd(t3, t2, g);
-  mpz_srcptr const rest = cancelled(g, bd, t3);
+  mpz_mul(d, t1, cancelled(g, bd, t3));
   if (is_one(t3))
-    mpz_swap(n, t2);
+    mpz_set(n, t2);
   else
     mpz_divexact(n, t2, t3);
-  mpz_mul(d, t1, rest);
 }
 
-void QNumber::multiply_big(QNumber const& b) {
-  if (den != 0) make_big();
-  auto& [n, d] = *block();
-  IntegerView const bn = b.numerator();
-  IntegerView const bd = b.denominator();
-  if (is_one(d) && is_one(bd)) {
-    mpz_mul(n, n, bn);
-  } else if (!b.is_big() && b.is_zero()) {
-    release_block();
+void QNumber::product_big(QNumber const& a, QNumber const& b) {
+  // The one way out of big form.
+  if (a.is_big() && !b.is_big() && b.is_zero() && !a.is_integer()) {
+    if (is_big()) release_block();
     num = 0;
     den = 1;
+    return;
+  }
+  auto& [n, d] = room_for_result(a);
+  IntegerView const an = a.numerator();
+  IntegerView const ad = a.denominator();
+  IntegerView const bn = b.numerator();
+  IntegerView const bd = b.denominator();
+  if (is_one(ad) && is_one(bd)) {
+    mpz_mul(n, an, bn);
+    mpz_set_ui(d, 1);
   } else {
-    multiply(n, d, bn, bd);
+    multiply(n, d, an, ad, bn, bd);
   }
 }
 
-void QNumber::divide_big(QNumber const& b) {
+void QNumber::quotient_big(QNumber const& a, QNumber const& b) {
   assert(!b.is_zero());
-  if (den != 0) make_big();
+  auto& [n, d] = room_for_result(a);
+  if (this == &b) {
+    mpz_set_ui(n, 1);
+    mpz_set_ui(d, 1);
+    return;
+  }
+  multiply(n, d, a.numerator(), a.denominator(), b.denominator(), b.numerator());
+  make_denominator_positive(n, d);
+}
+
+void QNumber::invert_big() {
   auto& [n, d] = *block();
-  multiply(n, d, b.denominator(), b.numerator());
+  mpz_swap(n, d);
+  // In lowest terms as before: only the sign can be in the wrong place.
   make_denominator_positive(n, d);
 }
 
 QNumber QNumber::inv_big() const {
-  QNumber inverse;
-  inverse.adopt(new Block(block()->denominator, block()->numerator));
-  // Already in lowest terms: only the sign can be in the wrong place.
-  make_denominator_positive(inverse.block()->numerator, inverse.block()->denominator);
+  QNumber inverse(*this);
+  inverse.invert_big();
   return inverse;
 }
 
@@ -193,18 +233,7 @@ bool QNumber::less_big(QNumber const& a, QNumber const& b) {
   IntegerView const ad = a.denominator();
   IntegerView const bn = b.numerator();
   IntegerView const bd = b.denominator();
-  if (is_one(ad) && is_one(bd)) return mpz_cmp(an, bn) < 0;
-  // A product of an x-bit and a y-bit integer has x + y or x + y - 1 bits.
-  auto const bits = [](mpz_srcptr x, mpz_srcptr y) {
-    return mpz_sizeinbase(x, 2) + mpz_sizeinbase(y, 2);
-  };
-  size_t const left = bits(an, bd);
-  size_t const right = bits(bn, ad);
-  if (left + 1 < right) return sign > 0;
-  if (right + 1 < left) return sign < 0;
-  mpz_mul(gmp_tmp[0], an, bd);
-  mpz_mul(gmp_tmp[1], bn, ad);
-  return mpz_cmp(gmp_tmp[0], gmp_tmp[1]) < 0;
+  return sign * compare_products(an, bd, bn, ad, gmp_tmp[0], gmp_tmp[1]) < 0;
 }
 
 }  // namespace zelk

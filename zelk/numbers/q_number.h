@@ -13,7 +13,8 @@
 
 namespace zelk {
 
-static_assert(sizeof(long) == 8, "zelk holds small numbers in `long`, which must have 64 bits here");
+static_assert(sizeof(long) == 8,
+              "zelk holds small numbers in `long`, which must have 64 bits here");
 static_assert(sizeof(void*) == sizeof(long), "zelk holds a pointer in a `long`");
 static_assert(GMP_NUMB_BITS == 64, "zelk needs a GMP with 64-bit limbs and no nails");
 
@@ -49,8 +50,9 @@ class QNumber {
 
   /// Numbers that a conversion to `long` would change silently.
   template <class T>
-    requires(std::floating_point<T> || (std::unsigned_integral<T> && sizeof(T) >= sizeof(long)))
-  QNumber(T) = delete;
+  requires(std::floating_point<T> || (std::unsigned_integral<T> && sizeof(T) >= sizeof(long)))
+      QNumber(T)
+  = delete;
 
   /// n/d in lowest terms. In big form exactly when n or d is -2^63. Requires: d != 0.
   QNumber(long n, long d) : num(n), den(d) {
@@ -68,6 +70,12 @@ class QNumber {
   /// numerator/denominator in lowest terms, in small form whenever it fits.
   /// Requires: denominator != 0. Either may be one of `gmp_tmp`.
   static QNumber from_mpz(mpz_srcptr numerator, mpz_srcptr denominator);
+
+  /// As `from_mpz`, but in big form whatever the value. Reducing is left out for a fraction that
+  /// is `lowest` already: coprime, with a positive denominator.
+  enum class Terms { any, lowest };
+  static QNumber big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator,
+                              Terms terms = Terms::any);
 
   QNumber(QNumber const& other) : num(other.num), den(other.den) {
     if (den == 0) [[unlikely]]
@@ -121,48 +129,31 @@ class QNumber {
   }
 
   /// The same object may stand on both sides of each of these. Division requires b != 0.
-  QNumber& operator+=(QNumber const& b) {
-    if (!(is_small_with(b) && add_words<Sign::plus>(b))) [[unlikely]]
-      add_big(b, Sign::plus);
-    return *this;
-  }
-  QNumber& operator-=(QNumber const& b) {
-    if (!(is_small_with(b) && add_words<Sign::minus>(b))) [[unlikely]]
-      add_big(b, Sign::minus);
-    return *this;
-  }
-  QNumber& operator*=(QNumber const& b) {
-    if (!(is_small_with(b) && multiply_words(b))) [[unlikely]]
-      multiply_big(b);
-    return *this;
-  }
-  QNumber& operator/=(QNumber const& b) {
-    if (b.den == 0) [[unlikely]]
-      divide_big(b);
-    else
-      *this *= b.inv();
-    return *this;
-  }
+  QNumber& operator+=(QNumber const& b) { return become_sum<Sign::plus>(*this, b); }
+  QNumber& operator-=(QNumber const& b) { return become_sum<Sign::minus>(*this, b); }
+  QNumber& operator*=(QNumber const& b) { return become_product(*this, b); }
+  QNumber& operator/=(QNumber const& b) { return become_quotient(*this, b); }
 
+  /// In the form that a copy of a would have after the compound operator.
   friend QNumber operator+(QNumber const& a, QNumber const& b) {
-    QNumber t(a);
-    t += b;
-    return t;
+    QNumber result;
+    result.become_sum<Sign::plus>(a, b);
+    return result;
   }
   friend QNumber operator-(QNumber const& a, QNumber const& b) {
-    QNumber t(a);
-    t -= b;
-    return t;
+    QNumber result;
+    result.become_sum<Sign::minus>(a, b);
+    return result;
   }
   friend QNumber operator*(QNumber const& a, QNumber const& b) {
-    QNumber t(a);
-    t *= b;
-    return t;
+    QNumber result;
+    result.become_product(a, b);
+    return result;
   }
   friend QNumber operator/(QNumber const& a, QNumber const& b) {
-    QNumber t(a);
-    t /= b;
-    return t;
+    QNumber result;
+    result.become_quotient(a, b);
+    return result;
   }
 
   void negate() {
@@ -178,6 +169,15 @@ class QNumber {
     if (den == 0) [[unlikely]]
       return inv_big();
     return {den, num};
+  }
+
+  /// Becomes its own reciprocal, without a copy. Requires: the value is not 0.
+  void invert() {
+    assert(!is_zero());
+    if (den == 0) [[unlikely]]
+      invert_big();
+    else
+      *this = inv();
   }
 
   /// |q|, in q's form.
@@ -221,6 +221,10 @@ class QNumber {
   __extension__ using DoubleWord = __int128;
 
   struct Block {
+    Block() {
+      mpz_init(numerator);
+      mpz_init(denominator);
+    }
     Block(long n, long d) {
       mpz_init_set_si(numerator, n);
       mpz_init_set_si(denominator, d);
@@ -273,21 +277,41 @@ class QNumber {
     }
   }
 
-  // Both write their target only when everything fits.
+  // The arithmetic of both kinds of operators: *this becomes the result. `a` is *this for a
+  // compound operator; for a free one *this is a new 0/1. `b` may be the same object too.
   template <Sign sign>
-  bool add_words(QNumber const& b) {
-    if (den == 1 && b.den == 1) {
-      long s;
-      if (!sum<sign>(num, b.num, s)) return false;
+  QNumber& become_sum(QNumber const& a, QNumber const& b) {
+    if (!(a.is_small_with(b) && sum_words<sign>(a, b))) [[unlikely]]
+      sum_big(a, b, sign);
+    return *this;
+  }
+  QNumber& become_product(QNumber const& a, QNumber const& b) {
+    if (!(a.is_small_with(b) && product_words(a, b))) [[unlikely]]
+      product_big(a, b);
+    return *this;
+  }
+  QNumber& become_quotient(QNumber const& a, QNumber const& b) {
+    if (b.den != 0) [[likely]]
+      return become_product(a, b.inv());
+    quotient_big(a, b);
+    return *this;
+  }
+
+  // Both write *this only when everything fits.
+  template <Sign sign>
+  bool sum_words(QNumber const& a, QNumber const& b) {
+    long s, d;
+    if (a.den == 1 && b.den == 1) {
+      if (!sum<sign>(a.num, b.num, s)) return false;
       num = s;
-      return true;
+      return true;  // den is 1 already, also in a new object
     }
     // Over the least common denominator only a factor of g can still cancel.
-    long const g = detail::cached_gcd(den, b.den);
-    long const scale_b = den / g;
+    long const g = detail::cached_gcd(a.den, b.den);
+    long const scale_b = a.den / g;
     long const scale_a = b.den / g;
-    long x, y, s, d;
-    if (!product(b.num, scale_b, x) || !product(num, scale_a, y) || !sum<sign>(y, x, s))
+    long x, y;
+    if (!product(b.num, scale_b, x) || !product(a.num, scale_a, y) || !sum<sign>(y, x, s))
       return false;
     long const g2 = detail::cached_gcd(magnitude(s), g);
     if (!product(scale_b, b.den / g2, d)) return false;
@@ -296,36 +320,38 @@ class QNumber {
     return true;
   }
 
-  bool multiply_words(QNumber const& b) {
+  bool product_words(QNumber const& a, QNumber const& b) {
     long n, d;
-    if (den == 1 && b.den == 1) {
-      if (!product(num, b.num, n)) return false;
+    if (a.den == 1 && b.den == 1) {
+      if (!product(a.num, b.num, n)) return false;
       num = n;
       return true;
     }
     // Cancelled crosswise first, the product is in lowest terms.
-    long const g1 = detail::cached_gcd(magnitude(num), b.den);
-    long const g2 = detail::cached_gcd(magnitude(b.num), den);
-    if (!product(num / g1, b.num / g2, n) || !product(den / g2, b.den / g1, d)) return false;
+    long const g1 = detail::cached_gcd(magnitude(a.num), b.den);
+    long const g2 = detail::cached_gcd(magnitude(b.num), a.den);
+    if (!product(a.num / g1, b.num / g2, n) || !product(a.den / g2, b.den / g1, d)) return false;
     num = n;
     den = d;
     return true;
   }
 
-  [[gnu::noinline, gnu::cold]] void make_big();
-  [[gnu::noinline, gnu::cold]] void clone_block();
-  [[gnu::noinline, gnu::cold]] void release_block();
-  [[gnu::noinline, gnu::cold]] void normalise_big();
-  [[gnu::noinline, gnu::cold]] void assign_big(QNumber const& other);
-  [[gnu::noinline, gnu::cold]] bool has_big_unit_denominator() const;
-  [[gnu::noinline, gnu::cold]] void add_big(QNumber const& b, Sign sign);
-  [[gnu::noinline, gnu::cold]] void multiply_big(QNumber const& b);
-  [[gnu::noinline, gnu::cold]] void divide_big(QNumber const& b);
-  [[gnu::noinline, gnu::cold]] QNumber inv_big() const;
-  [[gnu::noinline, gnu::cold]] QNumber abs_big() const;
-  [[gnu::noinline, gnu::cold]] QNumber split_big();
-  [[gnu::noinline, gnu::cold]] static bool equal_big(QNumber const& a, QNumber const& b);
-  [[gnu::noinline, gnu::cold]] static bool less_big(QNumber const& a, QNumber const& b);
+  [[gnu::noinline]] void make_big();
+  [[gnu::noinline]] void clone_block();
+  [[gnu::noinline]] void release_block();
+  [[gnu::noinline]] void normalise_big();
+  [[gnu::noinline]] void assign_big(QNumber const& other);
+  [[gnu::noinline]] bool has_big_unit_denominator() const;
+  [[gnu::noinline]] Block& room_for_result(QNumber const& a);
+  [[gnu::noinline]] void sum_big(QNumber const& a, QNumber const& b, Sign sign);
+  [[gnu::noinline]] void product_big(QNumber const& a, QNumber const& b);
+  [[gnu::noinline]] void quotient_big(QNumber const& a, QNumber const& b);
+  [[gnu::noinline]] void invert_big();
+  [[gnu::noinline]] QNumber inv_big() const;
+  [[gnu::noinline]] QNumber abs_big() const;
+  [[gnu::noinline]] QNumber split_big();
+  [[gnu::noinline]] static bool equal_big(QNumber const& a, QNumber const& b);
+  [[gnu::noinline]] static bool less_big(QNumber const& a, QNumber const& b);
 
   // Small form: numerator and denominator, both within ±(2^63 - 1), the denominator at least 1.
   // Big form: the address of the owned block, and 0.

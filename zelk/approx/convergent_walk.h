@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <utility>
+
+#include "zelk/approx/rational_approximator.h"
+#include "zelk/numbers/integer.h"
+#include "zelk/numbers/q_number.h"
+
+namespace zelk::na {
+
+/// The convergents of one number, one after the other: each `next` answers as
+/// `RationalApproximator::do_approx` at the next precision, and leaves the same in both caches.
+///
+/// A number too big for small form has only big, and after the first only positive terms, so its
+/// convergents h/k follow from the two before by h' = a h + h0, k' = a k + k0, in lowest terms,
+/// and lie below it at odd lengths and above it at even ones until they end with the number
+/// itself. That makes a step a constant number of operations on integers. Any other number has
+/// at most 92 terms, and which of its values are in small form depends on every step: those are
+/// folded afresh, from the last term back, with the arithmetic of numbers.
+class ConvergentWalk {
+ public:
+  /// Starts before precision `first`. Requires: the approximator and q outlive the walk, q
+  /// unchanged; first >= 1, unless q is an integer.
+  ConvergentWalk(RationalApproximator& approximator, QNumber const& q, unsigned first);
+
+  /// The next convergent, good for as long as the approximator lives.
+  QNumber const& next();
+
+  /// Whether the last convergent is less than q, or greater.
+  bool below() const { return is_wide ? prec % 2 != 0 && !(*current == q) : *current < q; }
+  bool above() const { return is_wide ? prec % 2 == 0 && !(*current == q) : q < *current; }
+
+ private:
+  /// The expansion of a wide number, and the last two convergents h/k and h0/k0 of it.
+  struct Recurrence {
+    explicit Recurrence(RationalApproximator::ContinuedFraction c) : expansion(std::move(c)) {}
+    QNumber convergent(unsigned terms);
+
+    RationalApproximator::ContinuedFraction expansion;
+    std::size_t done = 0;  // terms in h/k
+    Integer h{1}, h0, k, k0{1};
+  };
+
+  QNumber compute();
+
+  RationalApproximator& owner;
+  QNumber const& q;
+  bool is_wide;
+  unsigned prec;  // of `current`
+  QNumber const* current;
+  std::optional<Recurrence> recurrence;  // from the first convergent that the cache did not have
+};
+
+}  // namespace zelk::na

@@ -1,0 +1,213 @@
+#include "zelk/approx/maclaurin.h"
+
+#include "zelk/approx/power_terms.h"
+#include "zelk/numbers/integer.h"
+#include "zelk/numbers/leading_bits.h"
+
+namespace zelk::na {
+
+namespace {
+
+using ApproxData = PowerSeriesApproximator::ApproxData;
+
+template <class... Numbers>
+bool all_big(Numbers const&... numbers) {
+  return (numbers.is_big() && ...);
+}
+
+/// (a ± b)/d in lowest terms.
+QNumber sum_over(mpz_srcptr a, mpz_srcptr b, mpz_srcptr d) {
+  Integer n;
+  mpz_add(n, a, b);
+  return QNumber::big_from_mpz(n, d);
+}
+QNumber difference_over(mpz_srcptr a, mpz_srcptr b, mpz_srcptr d) {
+  Integer n;
+  mpz_sub(n, a, b);
+  return QNumber::big_from_mpz(n, d);
+}
+
+/// S T / (1 - T) < 1/reciprocal, for S = s/d and T = t/d with 0 < t and d_minus_t = d - t > 0.
+bool tail_below(mpz_srcptr s, mpz_srcptr t, mpz_srcptr d, mpz_srcptr d_minus_t,
+                mpz_srcptr reciprocal) {
+  int const verdict = compare(LeadingBits(s) * LeadingBits(t) * LeadingBits(reciprocal),
+                              LeadingBits(d) * LeadingBits(d_minus_t));
+  if (verdict != 0) return verdict < 0;
+  Integer left;
+  Integer right;
+  mpz_mul(left, s, t);
+  mpz_mul(left, left, reciprocal);
+  mpz_mul(right, d, d_minus_t);
+  return mpz_cmp(left, right) < 0;
+}
+
+/// Takes `sum_exp` over after its test of k >= 2, when S_k, S_(k-1) and T_k are in big form and so
+/// will all that follows: the same tests, decided on integers.
+ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber const& term,
+                        QNumber const& sum, QNumber const& previous) {
+  PowerTerms series(x, static_cast<unsigned>(k), term, sum);
+  mpz_srcptr const s = series.sum(0);
+  mpz_srcptr const t = series.term();
+  mpz_srcptr const d = series.denominator();
+  bool const ascending = x.sign() > 0;
+  int sign_before = previous.sign();
+  int sign = sum.sign();
+  for (;;) {
+    series.accumulate(0, false);
+    series.advance();
+    ++k;
+    int const second_previous = sign_before;
+    sign_before = sign;
+    sign = mpz_sgn(s);
+    // The second derivative; then |T_k|, which is below the width also for x > 0.
+    if ((ascending || k % 2 == 0 ? second_previous : sign_before) <= 0) continue;
+    if (!series.term_below(reciprocal)) continue;
+
+    Integer rest;
+    mpz_sub(rest, d, t);
+    if (ascending && !tail_below(s, t, d, rest, reciprocal)) continue;
+
+    Integer last;
+    Integer before;
+    series.last_term(last);
+    mpz_sub(before, s, last);
+    QNumber const partial = QNumber::big_from_mpz(s, d);
+    QNumber const partial_before = QNumber::big_from_mpz(before, d);
+    if (ascending) {
+      Integer rest_before;
+      mpz_sub(rest_before, d, last);
+      return {{partial, QNumber::big_from_mpz(s, rest)},
+              {partial_before, QNumber::big_from_mpz(before, rest_before)},
+              k};
+    }
+    QNumber const next = sum_over(s, t, d);
+    if (k % 2 != 0) return {{next, partial}, {partial, partial_before}, k};
+    return {{partial, next}, {partial_before, partial}, k};
+  }
+}
+
+/// Takes `sum_sin` over after its test of n, when all its values are in big form: T_(n+1) and the
+/// sums that have gone so far, the next terms entering them with `negated` signs or not.
+ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, bool negated,
+                        QNumber const& cosine_term, QNumber const& sine, QNumber const& cosine) {
+  PowerTerms series(x, n + 1, cosine_term, sine, cosine);
+  for (;; negated = !negated) {
+    n += 2;
+    series.accumulate(1, negated);
+    // The second derivative is minus the sine's sum so far, give or take this term.
+    bool const certain = mpz_cmpabs(series.sum(0), series.term()) > 0;
+    series.advance();
+    series.accumulate(0, negated);
+    series.advance();
+    if (!certain || !series.term_below(reciprocal)) continue;
+
+    Integer sine_error;
+    Integer cosine_error;
+    mpz_abs(sine_error, series.term());
+    series.last_term(cosine_error);
+    mpz_abs(cosine_error, cosine_error);
+    auto const around = [&](mpz_srcptr centre, mpz_srcptr error) {
+      return PowerSeriesApproximator::Bounds(difference_over(centre, error, series.denominator()),
+                                             sum_over(centre, error, series.denominator()));
+    };
+    return {around(series.sum(0), sine_error), around(series.sum(1), cosine_error),
+            static_cast<int>(n)};
+  }
+}
+
+}  // namespace
+
+QNumber tolerance_of(unsigned prec) {
+  if (prec > 18) {  // 10^19 is beyond small form
+    Integer power;
+    mpz_ui_pow_ui(power, 10, prec);
+    return QNumber::big_from_mpz(IntegerView(1), power, QNumber::Terms::lowest);
+  }
+  long power = 1;
+  for (unsigned i = 0; i < prec; ++i) power *= 10;
+  return {1, power};
+}
+
+/// With T_j = x^j/j! and S_k = T_0 + ... + T_(k-1). For x > 0 and T_k < 1 the tail from T_k on is
+/// at most T_k e^x, hence S_k < e^x <= S_k / (1 - T_k). For x < 0 and |T_k| < 1 the terms shrink
+/// and alternate from T_k on, hence e^x lies between S_k and S_(k+1). No summation stops before
+/// the second derivative of the lower bound's polynomial, a partial sum itself, is positive.
+ApproxData sum_exp(QNumber const& x, unsigned prec) {
+  QNumber const zero(0);
+  QNumber const one(1);
+  if (x.is_zero()) return {{one, one}, {one, one}, 0};
+  QNumber const tolerance = tolerance_of(prec);
+
+  QNumber sum = one;        // S_k
+  QNumber previous;         // S_(k-1)
+  QNumber second_previous;  // S_(k-2)
+  QNumber term = x;         // T_k
+  QNumber last_term;        // T_(k-1)
+  for (int k = 2;; ++k) {
+    second_previous = previous;
+    previous = sum;
+    sum += term;
+    last_term = term;
+    term *= x / QNumber(k);
+
+    if (zero < x) {
+      if (term < one && zero < second_previous && sum / (one - term) - sum < tolerance)
+        return {{sum, sum / (one - term)}, {previous, previous / (one - last_term)}, k};
+    } else if (k % 2 != 0) {
+      if (zero < previous && abs(term) < tolerance)
+        return {{sum + term, sum}, {previous + last_term, previous}, k};
+    } else {
+      if (zero < second_previous && abs(term) < tolerance)
+        return {{sum, sum + term}, {previous, previous + last_term}, k};
+    }
+    if (all_big(sum, previous, second_previous, term, last_term))
+      return continue_exp(x, tolerance.denominator(), k, term, sum, previous);
+  }
+}
+
+/// The polynomials of sin, of cos and of sin'' = -sin side by side, each with the next power as
+/// its remainder bound (Taylor's formula, with all derivatives at most 1 in size).
+///
+/// Stops when the sine is within the tolerance and the sign of the second derivative is certain.
+/// For 0 < |x| < pi that sign is opposite to x's; since sin x is irrational for every rational x
+/// but 0, it becomes certain everywhere else too.
+ApproxData sum_sin(QNumber const& x, unsigned prec) {
+  QNumber const zero(0);
+  QNumber const one(1);
+  if (x.is_zero()) return {{zero, zero}, {one, one}, 0};
+  QNumber const tolerance = tolerance_of(prec);
+
+  QNumber sine;
+  QNumber cosine;
+  QNumber second;  // derivative of the sine
+  QNumber sign = one;
+  QNumber sine_term = x;
+  QNumber cosine_term = one;
+  QNumber second_term;
+  for (unsigned n = 1;; n += 2) {
+    QNumber const next(n + 1);
+    second += sign * second_term;
+    cosine += sign * cosine_term;
+    sine += sign * sine_term;
+    QNumber const second_error = abs(cosine_term);
+    QNumber const cosine_error = abs(sine_term);
+    QNumber const sine_error = abs(sine_term * x / next);
+    sign.negate();
+    second_term = sine_term;
+    cosine_term = second_term * x / next;
+    sine_term = cosine_term * x / QNumber(n + 2);
+
+    // Only the side that the second derivative's own sign points to can be certain.
+    bool const certain =
+        second.sign() < 0 ? second + second_error < zero : zero < second - second_error;
+    if (certain && sine_error < tolerance)
+      return {{sine - sine_error, sine + sine_error},
+              {cosine - cosine_error, cosine + cosine_error},
+              static_cast<int>(n)};
+    if (all_big(sine, cosine, second, sine_term, cosine_term, second_term))
+      return continue_sin(x, tolerance.denominator(), n, sign.sign() < 0, cosine_term, sine,
+                          cosine);
+  }
+}
+
+}  // namespace zelk::na

@@ -1,0 +1,50 @@
+#include "zelk/approx/power_terms.h"
+
+#include "zelk/numbers/leading_bits.h"
+
+namespace zelk::na {
+
+namespace {
+
+void put_over(mpz_srcptr denominator, QNumber const& q, mpz_ptr numerator) {
+  mpz_divexact(numerator, denominator, q.denominator());
+  mpz_mul(numerator, numerator, q.numerator());
+}
+
+}  // namespace
+
+PowerTerms::PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
+                       QNumber const& sum1)
+    : p(x.numerator()), q(x.denominator()), j(index) {
+  mpz_lcm(d, term.denominator(), sum0.denominator());
+  mpz_lcm(d, d, sum1.denominator());
+  put_over(d, term, t);
+  put_over(d, sum0, sums[0]);
+  put_over(d, sum1, sums[1]);
+}
+
+void PowerTerms::advance() {
+  ++j;
+  mpz_mul_ui(factor, q, j);
+  mpz_mul(t, t, p);
+  mpz_mul(d, d, factor);
+  for (auto& s : sums) mpz_mul(s, s, factor);
+}
+
+void PowerTerms::accumulate(std::size_t i, bool negated) {
+  auto const add = negated ? mpz_sub : mpz_add;
+  add(sums[i], sums[i], t);
+}
+
+bool PowerTerms::term_below(mpz_srcptr reciprocal) {
+  Integer left;
+  Integer right;
+  return compare_products(t, reciprocal, d, IntegerView(1), left, right) < 0;
+}
+
+void PowerTerms::last_term(mpz_ptr numerator) {
+  mpz_divexact(numerator, t, p);
+  mpz_mul(numerator, numerator, factor);
+}
+
+}  // namespace zelk::na
