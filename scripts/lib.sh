@@ -1,0 +1,101 @@
+# shellcheck shell=bash disable=SC2034
+# Shared by the scripts; sourced, never run. The callers have set -euo pipefail.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cores=$(nproc 2>/dev/null || getconf _NPROCESSORS_ONLN 2>/dev/null || echo 2)
+
+# Everything that is not an answer goes to standard error.
+say() { printf '%s: %s\n' "${0##*/}" "$*" >&2; }
+die() {
+  say "$*"
+  exit 1
+}
+
+# usage: prints the comment at the head of the calling script, which is its help.
+usage() { sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$0"; }
+
+# What a task needs, as DEBIAN-PACKAGE:HEADER or DEBIAN-PACKAGE:COMMAND. A need is recognised by the
+# thing itself rather than by its package, so that other systems and own installations serve as well.
+needs_command=(g++:"${CXX:-c++}" cmake:cmake ninja-build:ninja libgmp-dev:gmp.h
+  libcli11-dev:CLI/CLI.hpp)
+needs_test=("${needs_command[@]}" libgmp-dev:gmpxx.h libmpfr-dev:mpfr.h
+  libgtest-dev:gtest/gtest.h)
+
+# missing NEED...: prints the needs that are not met, one a line.
+missing() {
+  local need probe='' absent
+  for need in "$@"; do
+    case $need in
+      *.h | *.hpp) probe+="#if !__has_include(<${need#*:}>)"$'\n'"$need"$'\n#endif\n' ;;
+      *) command -v "${need#*:}" >/dev/null || echo "$need" ;;
+    esac
+  done
+  [[ $probe ]] || return 0
+  # One run of the preprocessor answers for all headers; without a compiler all count as missing.
+  if absent=$("${CXX:-c++}" -x c++ -E -P - <<<"$probe" 2>/dev/null); then
+    [[ -z $absent ]] || echo "$absent"
+  else
+    printf '%s\n' "$@" | grep -E '\.h(pp)?$'
+  fi
+}
+
+# require NEED...: installs what is missing where apt-get is at hand, and stops where it is not or
+# where it did not help.
+require() {
+  local needs packages
+  needs=$(missing "$@")
+  [[ $needs ]] || return 0
+  mapfile -t packages < <(cut -d: -f1 <<<"$needs" | sort -u)
+  if command -v apt-get >/dev/null; then
+    local as_root=(env DEBIAN_FRONTEND=noninteractive)
+    if ((EUID != 0)); then
+      command -v sudo >/dev/null ||
+        die "missing: ${packages[*]} (Debian packages); install them as root, there is no sudo"
+      as_root=(sudo "${as_root[@]}")
+    fi
+    say "installing ${packages[*]}"
+    # An unreachable repository of somebody else's need not keep ours from answering.
+    quietly "${as_root[@]}" apt-get update -q || say 'apt-get update failed; trying all the same'
+    quietly "${as_root[@]}" apt-get install -q -y --no-install-recommends "${packages[@]}" ||
+      die "could not install ${packages[*]}"
+    needs=$(missing "$@")
+  fi
+  [[ -z $needs ]] || die "missing: ${needs//$'\n'/, }" \
+    "(as package on Debian : header or command); install them and try again"
+}
+
+# quietly COMMAND...: runs it without input, and shows its output, on standard error, if it fails.
+quietly() {
+  local log status=0
+  log=$(mktemp)
+  "$@" </dev/null >"$log" 2>&1 || status=$?
+  ((status == 0)) || cat "$log" >&2
+  rm -f "$log"
+  return "$status"
+}
+
+# configure PRESET: unless the build folder is configured already and the presets are no newer (the
+# build itself watches its other inputs).
+configure() {
+  local preset=$1 ninja=$root/build/$1/build.ninja version
+  [[ ! $ninja -nt $root/CMakePresets.json ]] || return 0
+  version=$(cmake --version | sed -n '1s/[^0-9]*\([0-9.]*\).*/\1/p')
+  printf '3.25\n%s\n' "$version" | sort -C -V || die "CMake 3.25 or later is needed, not $version"
+  say "configuring and building build/$preset"
+  quietly cmake -S "$root" --preset "$preset" || die "build/$preset could not be configured"
+  touch "$ninja"
+}
+
+# build PRESET [CMAKE-BUILD-OPTION...]: configures if need be, and builds.
+build() {
+  local preset=$1 lock
+  shift
+  # The ends of a pipe start at once; only one of them may build.
+  mkdir -p "$root/build"
+  exec {lock}>"$root/build/.lock"
+  ! command -v flock >/dev/null || flock "$lock"
+  configure "$preset"
+  quietly cmake --build "$root/build/$preset" -j "$cores" "$@" -- --quiet ||
+    die "build/$preset did not build"
+  exec {lock}>&-
+}
