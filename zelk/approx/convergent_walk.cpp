@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstddef>
 #include <utility>
+#include <vector>
 
 namespace zelk::na {
 
@@ -23,51 +25,53 @@ QNumber fold(std::vector<QNumber> const& terms, std::size_t count) {
 
 }  // namespace
 
-ConvergentWalk::ConvergentWalk(RationalApproximator& approximator, QNumber const& number,
-                               unsigned first)
-    : owner(approximator),
-      q(number),
-      is_wide(exceeds_words(number)),
-      prec(first - 1),
-      current(&number) {
-  assert(first >= 1 || number.is_integer());
+ConvergentWalk::ConvergentWalk(RationalApproximator& approximator, QNumber const& q, unsigned first)
+    : owner(approximator), key(q, first - 1), is_wide(exceeds_words(q)), current(&q) {
+  assert(first >= 1 || q.is_integer());
 }
 
 QNumber const& ConvergentWalk::next() {
-  ++prec;
-  if (q.is_integer()) return q;
-  std::pair<QNumber const&, unsigned> const key(q, prec);
-  if (auto const known = owner.approx_cache.find(key); known != owner.approx_cache.end())
-    current = &known.node->value.second;
-  else
-    current = &owner.approx_cache.store(key, compute());
+  ++key.second;
+  if (key.first.is_integer()) return *current;
+  auto const known = owner.approx_cache.find(key);
+  current = known != owner.approx_cache.end() ? &known.node->value.second : &compute();
   return *current;
 }
 
-QNumber ConvergentWalk::compute() {
+QNumber const& ConvergentWalk::compute() {
+  auto const& [q, prec] = static_cast<std::pair<QNumber const&, unsigned> const&>(key);
   if (!is_wide) {
     auto const c = owner.get_cf(q, prec);
-    return fold(c.terms, std::min<std::size_t>(prec, c.terms.size()));
+    return owner.approx_cache.store(key,
+                                    fold(c.terms, std::min<std::size_t>(prec, c.terms.size())));
   }
-  if (!recurrence) {
+  if (recurrence)
+    owner.cf_cache.make_room();  // all that is left of get_cf's offer of a known number
+  else
     recurrence.emplace(owner.get_cf(q, prec));
-  } else {
-    // As get_cf would: extend a copy of the stored expansion, and offer it in vain.
-    recurrence->expansion.extend(prec);
-    owner.cf_cache.make_room();
-  }
-  return recurrence->convergent(prec);
+  recurrence->advance(prec);
+  return owner.approx_cache.store(key, QNumber::LowestTerms{recurrence->h, recurrence->k});
 }
 
-QNumber ConvergentWalk::Recurrence::convergent(unsigned terms) {
-  for (; done < terms && done < expansion.terms.size(); ++done) {
-    IntegerView const a = expansion.terms[done].numerator();
-    mpz_addmul(h0, a, h);
-    mpz_addmul(k0, a, k);
-    mpz_swap(h, h0);
-    mpz_swap(k, k0);
+void ConvergentWalk::Recurrence::advance(unsigned count) {
+  Integer term;
+  for (; length < count; ++length) {
+    if (length < known.size()) {
+      append(known[length].numerator());
+    } else if (!rest.is_done()) {
+      rest.split(term);
+      append(term);
+    } else {
+      return;
+    }
   }
-  return QNumber::big_from_mpz(h, k, QNumber::Terms::lowest);
+}
+
+void ConvergentWalk::Recurrence::append(mpz_srcptr term) {
+  mpz_addmul(h0, term, h);
+  mpz_addmul(k0, term, k);
+  mpz_swap(h, h0);
+  mpz_swap(k, k0);
 }
 
 }  // namespace zelk::na

@@ -1,10 +1,12 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
 #include <utility>
+#include <vector>
 
+#include "zelk/approx/euclid.h"
 #include "zelk/approx/rational_approximator.h"
+#include "zelk/containers/hasher.h"
 #include "zelk/numbers/integer.h"
 #include "zelk/numbers/q_number.h"
 
@@ -29,26 +31,35 @@ class ConvergentWalk {
   QNumber const& next();
 
   /// Whether the last convergent is less than q, or greater.
-  bool below() const { return is_wide ? prec % 2 != 0 && !(*current == q) : *current < q; }
-  bool above() const { return is_wide ? prec % 2 == 0 && !(*current == q) : q < *current; }
+  bool below() const {
+    return is_wide ? key.second % 2 != 0 && !(*current == key.first) : *current < key.first;
+  }
+  bool above() const {
+    return is_wide ? key.second % 2 == 0 && !(*current == key.first) : key.first < *current;
+  }
 
  private:
-  /// The expansion of a wide number, and the last two convergents h/k and h0/k0 of it.
+  /// The last two convergents h/k and h0/k0 of a wide number, and its expansion: the terms that
+  /// were known at first, and what they leave.
   struct Recurrence {
-    explicit Recurrence(RationalApproximator::ContinuedFraction c) : expansion(std::move(c)) {}
-    QNumber convergent(unsigned terms);
+    explicit Recurrence(RationalApproximator::ContinuedFraction c)
+        : known(std::move(c.terms)), rest(c.remainder) {}
 
-    RationalApproximator::ContinuedFraction expansion;
-    std::size_t done = 0;  // terms in h/k
+    /// To the convergent after `count` terms, or to the last.
+    void advance(unsigned count);
+    void append(mpz_srcptr term);
+
+    std::vector<QNumber> known;
+    Euclid rest;
+    unsigned length = 0;
     Integer h{1}, h0, k, k0{1};
   };
 
-  QNumber compute();
+  QNumber const& compute();
 
   RationalApproximator& owner;
-  QNumber const& q;
+  hsh::pair_hash_eq::View key;  // the number, and the precision of `current`
   bool is_wide;
-  unsigned prec;  // of `current`
   QNumber const* current;
   std::optional<Recurrence> recurrence;  // from the first convergent that the cache did not have
 };

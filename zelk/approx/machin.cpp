@@ -9,9 +9,9 @@ namespace {
 
 using Bounds = PowerSeriesApproximator::Bounds;
 
-/// Takes `sum_machin` over after its test of k, when all its values are in big form: the powers
-/// A_k = 16/5^(2k+1) and B_k = 4/239^(2k+1) and the sum, as integers over a common denominator d
-/// that gains a factor 25 * 239^2 * (2k+1) with each term.
+/// Takes `sum_machin` over after its test of k, when the term is in big form, and through it both
+/// ends of any later enclosure: the powers A_k = 16/5^(2k+1) and B_k = 4/239^(2k+1) and the sum,
+/// as integers over a common denominator d that gains a factor 25 * 239^2 * (2k+1) with each term.
 Bounds continue_machin(mpz_srcptr reciprocal, unsigned k, QNumber const& power_5,
                        QNumber const& power_239, QNumber const& sum) {
   Integer a, b, s, t, d, left, right;
@@ -62,8 +62,7 @@ Bounds sum_machin(QNumber const& tolerance) {
       if (k % 2 != 0) return {sum, sum + term};
       return {sum - term, sum};
     }
-    if (sum.is_big() && term.is_big() && power_5.is_big() && power_239.is_big())
-      return continue_machin(tolerance.denominator(), k, power_5, power_239, sum);
+    if (term.is_big()) return continue_machin(tolerance.denominator(), k, power_5, power_239, sum);
     power_5 *= step_5;
     power_239 *= step_239;
     term = (power_5 - power_239) / QNumber(2 * k + 3);

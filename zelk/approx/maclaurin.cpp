@@ -10,11 +10,6 @@ namespace {
 
 using ApproxData = PowerSeriesApproximator::ApproxData;
 
-template <class... Numbers>
-bool all_big(Numbers const&... numbers) {
-  return (numbers.is_big() && ...);
-}
-
 /// (a ± b)/d in lowest terms.
 QNumber sum_over(mpz_srcptr a, mpz_srcptr b, mpz_srcptr d) {
   Integer n;
@@ -41,8 +36,8 @@ bool tail_below(mpz_srcptr s, mpz_srcptr t, mpz_srcptr d, mpz_srcptr d_minus_t,
   return mpz_cmp(left, right) < 0;
 }
 
-/// Takes `sum_exp` over after its test of k >= 2, when S_k, S_(k-1) and T_k are in big form and so
-/// will all that follows: the same tests, decided on integers.
+/// Takes `sum_exp` over after its test of k, when S_k and T_k are in big form and so every number
+/// of every later record: the same tests, decided on integers.
 ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber const& term,
                         QNumber const& sum, QNumber const& previous) {
   PowerTerms series(x, static_cast<unsigned>(k), term, sum);
@@ -86,8 +81,9 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
   }
 }
 
-/// Takes `sum_sin` over after its test of n, when all its values are in big form: T_(n+1) and the
-/// sums that have gone so far, the next terms entering them with `negated` signs or not.
+/// Takes `sum_sin` over after its test of n, when the next sine term is in big form, and through it
+/// every number of every later record: T_(n+1), and the sums so far, which the next terms enter
+/// with `negated` sign or not.
 ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, bool negated,
                         QNumber const& cosine_term, QNumber const& sine, QNumber const& cosine) {
   PowerTerms series(x, n + 1, cosine_term, sine, cosine);
@@ -121,7 +117,7 @@ QNumber tolerance_of(unsigned prec) {
   if (prec > 18) {  // 10^19 is beyond small form
     Integer power;
     mpz_ui_pow_ui(power, 10, prec);
-    return QNumber::big_from_mpz(IntegerView(1), power, QNumber::Terms::lowest);
+    return QNumber(QNumber::LowestTerms{IntegerView(1), power});
   }
   long power = 1;
   for (unsigned i = 0; i < prec; ++i) power *= 10;
@@ -160,7 +156,7 @@ ApproxData sum_exp(QNumber const& x, unsigned prec) {
       if (zero < second_previous && abs(term) < tolerance)
         return {{sum, sum + term}, {previous, previous + last_term}, k};
     }
-    if (all_big(sum, previous, second_previous, term, last_term))
+    if (sum.is_big() && term.is_big())
       return continue_exp(x, tolerance.denominator(), k, term, sum, previous);
   }
 }
@@ -204,7 +200,7 @@ ApproxData sum_sin(QNumber const& x, unsigned prec) {
       return {{sine - sine_error, sine + sine_error},
               {cosine - cosine_error, cosine + cosine_error},
               static_cast<int>(n)};
-    if (all_big(sine, cosine, second, sine_term, cosine_term, second_term))
+    if (sine_term.is_big())
       return continue_sin(x, tolerance.denominator(), n, sign.sign() < 0, cosine_term, sine,
                           cosine);
   }

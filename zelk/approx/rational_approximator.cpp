@@ -1,23 +1,47 @@
 #include "zelk/approx/rational_approximator.h"
 
+#include <cstddef>
+
 #include "zelk/approx/convergent_walk.h"
+#include "zelk/approx/euclid.h"
+#include "zelk/numbers/integer.h"
 
 namespace zelk::na {
 
-void RationalApproximator::ContinuedFraction::extend(unsigned count) {
-  while (terms.size() < count && !remainder.is_zero()) {
-    terms.push_back(remainder.self_decompose());
-    if (!remainder.is_zero()) remainder.invert();
+namespace {
+
+/// Splits terms off the remainder of c until it has `count`, or all.
+void extend(RationalApproximator::ContinuedFraction& c, unsigned count) {
+  auto const incomplete = [&] { return c.terms.size() < count; };
+  if (!c.remainder.is_big()) {
+    while (incomplete() && !c.remainder.is_zero()) {
+      c.terms.push_back(c.remainder.self_decompose());
+      if (!c.remainder.is_zero()) c.remainder = c.remainder.inv();
+    }
+    return;
   }
+  // The same of a big form, which splits by floors and stays big.
+  Euclid rest(c.remainder);
+  Integer const one(1UL);
+  Integer term;
+  while (incomplete() && !rest.is_done()) {
+    rest.split(term);
+    c.terms.emplace_back(QNumber::LowestTerms{term, one});
+  }
+  c.remainder = QNumber(rest.rest());
 }
+
+}  // namespace
 
 RationalApproximator::ContinuedFraction RationalApproximator::get_cf(QNumber const& q,
                                                                      unsigned prec) {
   ContinuedFraction c(q);
   // Assigned, not copied: the remainder keeps q's form if that is big, and with it q's rounding.
   if (auto const known = cf_cache.find(q); known != cf_cache.end()) c = known.node->value.second;
-  c.extend(prec);
-  cf_cache.insert({q, c});
+  extend(c, prec);
+  std::size_t index;
+  CfCache::Bucket* node;
+  cf_cache.find_or_add(q, &index, &node, q, c);
   return c;
 }
 

@@ -24,9 +24,6 @@ class RationalApproximator {
   struct ContinuedFraction {
     explicit ContinuedFraction(QNumber const& q) : number(q), remainder(q) {}
 
-    /// Splits terms off the remainder until there are `count`, or all.
-    void extend(unsigned count);
-
     QNumber number;
     std::vector<QNumber> terms;
     QNumber remainder;

@@ -23,22 +23,17 @@ class HashMap : public Hashtable<std::pair<Key, Mapped>, GetKey_pair<Key, Mapped
   Mapped& operator[](K const& k) {
     std::size_t index;
     typename HashMap::Bucket* node;
-    this->make_room();
-    if (!this->do_find(k, &index, &node)) node = this->add(index, k, Mapped());
+    this->find_or_add(k, &index, &node, k, Mapped());
     return node->value.second;
   }
 
-  /// Puts a finished value under k, over one that is there: no entry is ever seen half made.
-  /// Returns the stored value. One insertion attempt, as `operator[]`.
-  template <class K = Key>
-  Mapped& store(K const& k, Mapped const& value) {
+  /// Puts a finished value, or what makes one, under k, over one that is there: no entry is ever
+  /// seen half made. Returns the stored value. One insertion attempt, as `operator[]`.
+  template <class K = Key, class Part = Mapped>
+  Mapped& store(K const& k, Part const& value) {
     std::size_t index;
     typename HashMap::Bucket* node;
-    this->make_room();
-    if (this->do_find(k, &index, &node))
-      node->value.second = value;
-    else
-      node = this->add(index, k, value);
+    if (!this->find_or_add(k, &index, &node, k, value)) node->value.second = Mapped(value);
     return node->value.second;
   }
 };

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <bit>
-#include <cstddef>
+#include <concepts>
 #include <cstdint>
+#include <span>
 #include <utility>
 
 #include "zelk/numbers/q_number.h"
@@ -32,9 +33,8 @@ struct Hasher<QNumber> {
   }
 
   static std::uint64_t mix_limbs(std::uint64_t h, mpz_srcptr magnitude) {
-    std::size_t const limbs = mpz_size(magnitude);
-    for (std::size_t i = 0; i < limbs; ++i)
-      h ^= (h << 6) + (h >> 2) + mpz_getlimbn(magnitude, static_cast<mp_size_t>(i));
+    std::span const limbs(mpz_limbs_read(magnitude), mpz_size(magnitude));
+    for (mp_limb_t const x : limbs) h ^= (h << 6) + (h >> 2) + x;
     return h;
   }
 };
@@ -50,14 +50,36 @@ struct hash<unsigned> {
 };
 
 /// Hash and equality of a (number, precision) key: with one key it hashes, with two it compares.
-/// Numbers are equal by value, whatever their forms. A `View` of the two parts serves as a key.
+/// Numbers are equal by value, whatever their forms.
 struct pair_hash_eq {
-  using View = std::pair<QNumber const&, unsigned>;
+  using Key = std::pair<QNumber, unsigned>;
 
-  std::uint64_t operator()(View key) const {
-    return Hasher<QNumber>()(key.first) << 32 | key.second;
+  /// Stands in for a key in lookups, without a copy of the number; keeps the number's hash, which
+  /// is all of the work.
+  struct View : std::pair<QNumber const&, unsigned> {
+    View(QNumber const& number, unsigned precision)
+        : pair(number, precision), number_hash(Hasher<QNumber>()(number)) {}
+
+    std::uint64_t number_hash;
+  };
+
+  std::uint64_t operator()(Key const& key) const { return (*this)(View(key.first, key.second)); }
+  bool operator()(Key const& a, Key const& b) const { return are_equal(a, b); }
+
+  // Templates, so that {number, precision} means a key.
+  template <std::same_as<View> V>
+  std::uint64_t operator()(V const& key) const {
+    return key.number_hash << 32 | key.second;
   }
-  bool operator()(View a, View b) const { return a.second == b.second && a.first == b.first; }
+  template <std::same_as<View> V>
+  bool operator()(Key const& a, V const& b) const {
+    return are_equal(a, b);
+  }
+
+ private:
+  static bool are_equal(auto const& a, auto const& b) {
+    return a.second == b.second && a.first == b.first;
+  }
 };
 
 }  // namespace hsh

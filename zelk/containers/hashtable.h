@@ -80,9 +80,17 @@ class Hashtable {
 
   /// As `insert`, telling bucket and node of the entry, new or old, through the pointers.
   bool do_insert(Value const& v, std::size_t* index, Bucket** node) {
+    return find_or_add(GetKey()(v), index, node, v);
+  }
+
+  /// As `do_insert`, of a value made of `parts` only when k, its key, is absent.
+  template <class K, class... Parts>
+  bool find_or_add(K const& k, std::size_t* index, Bucket** node, Parts const&... parts) {
     make_room();
-    if (do_find(GetKey()(v), index, node)) return false;
-    *node = add(*index, v);
+    if (do_find(k, index, node)) return false;
+    *node = new_Bucket(parts...);
+    push(buckets[*index], *node);
+    ++count;
     return true;
   }
 
@@ -127,16 +135,6 @@ class Hashtable {
   /// The first node of a chain, for looking at what the table holds. Requires: index is below
   /// bucket_count().
   Bucket const* chain(std::size_t index) const { return buckets[index]; }
-
- protected:
-  /// Adds a value made of `parts`, whose key is absent, to its chain.
-  template <class... Parts>
-  Bucket* add(std::size_t index, Parts const&... parts) {
-    Bucket* const node = new_Bucket(parts...);
-    push(buckets[index], node);
-    ++count;
-    return node;
-  }
 
  private:
   template <class K>

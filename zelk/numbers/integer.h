@@ -15,6 +15,7 @@ class Integer {
   Integer& operator=(Integer const&) = delete;
   ~Integer() { mpz_clear(own); }
 
+  mpz_srcptr get() const { return own; }
   operator mpz_ptr() { return own; }
   operator mpz_srcptr() const { return own; }
   mpz_ptr operator->() { return own; }

@@ -85,11 +85,10 @@ QNumber QNumber::from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
   return small;
 }
 
-QNumber QNumber::big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator, Terms terms) {
+QNumber QNumber::big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
   assert(mpz_sgn(denominator) != 0);
-  QNumber big;
-  big.adopt(new Block(numerator, denominator));
-  if (terms == Terms::any) big.normalise_big();
+  QNumber big(LowestTerms{numerator, denominator});
+  big.normalise_big();
   return big;
 }
 
@@ -192,16 +191,11 @@ void QNumber::quotient_big(QNumber const& a, QNumber const& b) {
   make_denominator_positive(n, d);
 }
 
-void QNumber::invert_big() {
-  auto& [n, d] = *block();
-  mpz_swap(n, d);
-  // In lowest terms as before: only the sign can be in the wrong place.
-  make_denominator_positive(n, d);
-}
-
 QNumber QNumber::inv_big() const {
-  QNumber inverse(*this);
-  inverse.invert_big();
+  // In lowest terms as before: only the sign can be in the wrong place.
+  QNumber inverse(LowestTerms{denominator(), numerator()});
+  auto& [n, d] = *inverse.block();
+  make_denominator_positive(n, d);
   return inverse;
 }
 
@@ -212,8 +206,7 @@ QNumber QNumber::abs_big() const {
 }
 
 QNumber QNumber::split_big() {
-  QNumber whole;
-  whole.adopt(new Block(0, 1));
+  QNumber whole(LowestTerms{IntegerView(0L), IntegerView(1L)});
   // gcd(n mod d, d) = gcd(n, d) = 1: the fraction stays in lowest terms.
   auto& [n, d] = *block();
   mpz_fdiv_qr(whole.block()->numerator, n, n, d);

@@ -71,11 +71,18 @@ class QNumber {
   /// Requires: denominator != 0. Either may be one of `gmp_tmp`.
   static QNumber from_mpz(mpz_srcptr numerator, mpz_srcptr denominator);
 
-  /// As `from_mpz`, but in big form whatever the value. Reducing is left out for a fraction that
-  /// is `lowest` already: coprime, with a positive denominator.
-  enum class Terms { any, lowest };
-  static QNumber big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator,
-                              Terms terms = Terms::any);
+  /// As `from_mpz`, but in big form whatever the value.
+  static QNumber big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator);
+
+  /// A fraction with coprime parts and a positive denominator.
+  struct LowestTerms {
+    mpz_srcptr numerator;
+    mpz_srcptr denominator;
+  };
+
+  /// In big form whatever the value, and without a gcd.
+  explicit QNumber(LowestTerms const& fraction)
+      : num(std::bit_cast<long>(new Block(fraction.numerator, fraction.denominator))), den(0) {}
 
   QNumber(QNumber const& other) : num(other.num), den(other.den) {
     if (den == 0) [[unlikely]]
@@ -169,15 +176,6 @@ class QNumber {
     if (den == 0) [[unlikely]]
       return inv_big();
     return {den, num};
-  }
-
-  /// Becomes its own reciprocal, without a copy. Requires: the value is not 0.
-  void invert() {
-    assert(!is_zero());
-    if (den == 0) [[unlikely]]
-      invert_big();
-    else
-      *this = inv();
   }
 
   /// |q|, in q's form.
@@ -346,7 +344,6 @@ class QNumber {
   [[gnu::noinline]] void sum_big(QNumber const& a, QNumber const& b, Sign sign);
   [[gnu::noinline]] void product_big(QNumber const& a, QNumber const& b);
   [[gnu::noinline]] void quotient_big(QNumber const& a, QNumber const& b);
-  [[gnu::noinline]] void invert_big();
   [[gnu::noinline]] QNumber inv_big() const;
   [[gnu::noinline]] QNumber abs_big() const;
   [[gnu::noinline]] QNumber split_big();
