@@ -57,35 +57,22 @@ while IFS= read -r row; do
   expect printed "${row#* => }"
 done <<'TABLE'
 cf 415/93 => [4; 2, 6, 7]
-cf 830/186 => [4; 2, 6, 7]
 cf 415/93 --terms 2 => [4; 2]
-cf --terms=1 415/93 => [4]
 cf --terms 4294967295 415/93 => [4; 2, 6, 7]
 cf -7/2 => [-3; -2]
-cf -7/2 --terms 2 => [-3; -2]
 cf --terms 2 -7/2 => [-3; -2]
 cf -- -7/2 => [-3; -2]
 cf -27670116110564327423/9223372036854775808 => [-3; 9223372036854775808]
 cf -1.5e-3 --terms 2 => [0; -666]
-cf 1/3 => [0; 3]
 cf 5 => [5]
-cf -3 => [-3]
 cf 0 => [0]
-cf -0.0e5 --terms 3 => [0]
-approx 415/93 1 => 4
 approx 415/93 2 => 9/2
 approx 415/93 2 --lower => 58/13
 approx --upper 415/93 2 => 9/2
-approx 415/93 --upper 1 => 9/2
 approx 415/93 4294967295 => 415/93
-approx -415/93 1 --upper => -4
 approx --lower -415/93 1 => -9/2
-approx -1.5 1 => -1
 approx 5 0 => 5
-approx -3 0 --lower => -3
-approx 0 0 --upper => 0
 exp 0 7 => 1\n1
-exp -0 7 --derivative => 1\n1
 sin 0 7 => 0\n0
 TABLE
 
@@ -97,15 +84,11 @@ while IFS= read -r row; do
   # shellcheck disable=SC2086 # several words on purpose
   expect between ${row#* => }
 done <<'TABLE'
-exp 1 2 => 2.718281828459045 1e-2
 exp 1 9 => 2.718281828459045 1e-9
 exp -7/2 7 => 0.030197383422318501 1e-7
-exp 0.5 --derivative 5 => 1.6487212707001282 1e-2
 exp --derivative -3.5 5 => 0.030197383422318501 1e-1 descending
 sin 1/2 9 => 0.47942553860420300 2e-9
-sin -1.5e-3 9 => -0.0014999994375000632 2e-9
 sin -3 5 --derivative => -0.98999249660044545 1e-1
-pi 0 => 3.1415926535897932 1
 pi 8 => 3.1415926535897932 1e-8
 TABLE
 
@@ -119,44 +102,23 @@ while IFS= read -r row; do
   expect mentions err "$fragment"
 done <<'TABLE'
 approx 415/93 0 => 1 approx 415/93 0
-approx -0.5 0 --lower => 1 approx -0.5 0
  => 2 A subcommand is required
-'' => 2 unexpected argument
 log 2 5 => 2 log
---bogus cf 2 => 2 --bogus
 cf => 2 Q is required
-cf -- => 2 Q is required
 cf 1 2 => 2 unexpected argument: 2
 cf 1 ++ => 2 unexpected argument: ++
 cf 1 --bogus => 2 --bogus
-cf --lower 1 => 2 --lower
-cf -x => 2 unexpected argument: -x
 cf -.5 => 2 unexpected argument: -.5
-cf - => 2 "-": column 2
-cf cf => 2 "cf": column 1
 cf '' => 2 "": column 1
-cf '{}' => 2 "{}": column 1
 cf 1/0 => 2 "1/0": column 3: the denominator is zero
-cf -1.5e => 2 "-1.5e": column 6
-cf 1e1000001 => 2 "1e1000001": column 3
-cf 1 --terms => 2 --terms
 cf 1 --terms 0 => 2 --terms 0
 cf 1 --terms -2 => 2 "-2": a count cannot be negative
-cf 1 --terms '' => 2 "": expected a whole number
 cf 1 --terms 2 --terms 3 => 2 --terms
 approx 415/93 => 2 TERMS is required
 approx 415/93 2 --lower --upper => 2 --lower excludes --upper
-approx 415/93 2 --lower=no => 2 lower
-approx 415/93 -1 => 2 "-1": a count cannot be negative
 exp 1 4294967296 => 2 "4294967296": a count is at most 4294967295
-exp 1 +5 => 2 "+5": expected a whole number
 exp 1 5x => 2 "5x": expected a whole number
-exp 1 5 6 => 2 unexpected argument: 6
-exp --derivate 5 => 2 unexpected argument: --derivate
-sin x 5 => 2 "x": column 1
 sin 1 1/2 => 2 "1/2": expected a whole number
-pi => 2 DIGITS is required
-pi 5 --derivative => 2 --derivative
 TABLE
 
 # QUESTION => FRAGMENT-OF-STDOUT
@@ -169,11 +131,8 @@ done <<'TABLE'
 --version => zelk 
 --help => zelk cf 415/93
 cf --help => --terms N
-approx --help => --upper
 exp --help => the larger comes first if X < 0
 exp abc --help => zelk exp
-sin -h => cos X
-pi 10 --help => DIGITS
 TABLE
 
 for row in 'pi 5' --help --version; do

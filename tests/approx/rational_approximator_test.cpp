@@ -1,0 +1,119 @@
+#include "zelk/approx/rational_approximator.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "tests/support/text_form.h"
+
+namespace zelk::na {
+namespace {
+
+using test::entries;
+using test::number;
+using test::show;
+
+constexpr int cf = 2;  // in place of a direction: get_cf instead of approx
+
+TEST(RationalApproximator, AnswersAndRemembers) {
+  struct {
+    char const* q;  // null: a new approximator from here on
+    unsigned prec;
+    int dir;
+    char const* result;
+    std::set<std::string> gained;  // by both caches
+  } const table[] = {
+      {"415/93", 5, cf, "415/93 [4 2 6 7 ; 0]", {"415/93 415/93 [4 2 6 7 ; 0]"}},
+      {},
+      {"415/93", 2, cf, "415/93 [4 2 ; 43/7]", {"415/93 415/93 [4 2 ; 43/7]"}},
+      {"415/93", 4, cf, "415/93 [4 2 6 7 ; 0]", {}},
+      // The stored terms stay small; what is split off after them comes from a big remainder.
+      {"415/93B", 3, cf, "415/93B [4 2 6B ; 7B]", {}},
+      {"415/93B", 0, cf, "415/93B [4 2 ; 43/7B]", {}},
+      {},
+      {"415/93B", 2, cf, "415/93B [4B 2B ; 43/7B]", {"415/93B 415/93B [4B 2B ; 43/7B]"}},
+      {"415/93", 4, cf, "415/93B [4B 2B 6B 7B ; 0B]", {}},
+      {},
+      {"3/7", 0, cf, "3/7 [; 3/7]", {"3/7 3/7 [; 3/7]"}},
+      {"3/7", 9, cf, "3/7 [0 2 3 ; 0]", {}},
+      {"-7/2", 9, cf, "-7/2 [-3 -2 ; 0]", {"-7/2 -7/2 [-3 -2 ; 0]"}},
+      {"-7/2B", 9, cf, "-7/2B [-3 -2 ; 0B]", {}},
+      {"-9/2B", 9, cf, "-9/2B [-5B 2B ; 0B]", {"-9/2B -9/2B [-5B 2B ; 0B]"}},
+      {"5", 3, cf, "5 [5 ; 0]", {"5 5 [5 ; 0]"}},
+      {"-5B", 3, cf, "-5B [-5B ; 0B]", {"-5B -5B [-5B ; 0B]"}},
+      {"0", 3, cf, "0 [; 0]", {"0 0 [; 0]"}},
+      {"0B", 3, cf, "0B [; 0B]", {}},
+      // Beyond 32 bits a number hashes differently in its two forms, and each gets an entry.
+      {"2147483648", 0, cf, "2147483648 [; 2147483648]", {"2147483648 2147483648 [; 2147483648]"}},
+      {"-2147483649B",
+       1,
+       cf,
+       "-2147483649B [-2147483649B ; 0B]",
+       {"-2147483649B -2147483649B [-2147483649B ; 0B]"}},
+      {},
+      // Begun in small form, rounded toward zero; gone on with in big form, rounded down.
+      {"-415/93", 1, 0, "-4", {"-415/93 1 -4", "-415/93 -415/93 [-4 ; -93/43]"}},
+      {"-415/93B", 4, cf, "-415/93B [-4 -3B 1B 5B ; 7B]", {}},
+      {"-415/93B", 2, 0, "-13/3B", {"-415/93B 2 -13/3B"}},
+      {"-415/93", 3, 0, "-58/13", {"-415/93 3 -58/13"}},
+      {},
+      {"415/93", 1, 0, "4", {"415/93 1 4", "415/93 415/93 [4 ; 93/43]"}},
+      {"415/93", 2, 0, "9/2", {"415/93 2 9/2"}},
+      {"415/93", 3, 0, "58/13", {"415/93 3 58/13"}},
+      {"415/93", 5, 0, "415/93", {"415/93 5 415/93"}},
+      {"415/93B", 2, 0, "9/2", {}},
+      {"415/93", 3, 1, "415/93", {"415/93 4 415/93"}},
+      {"415/93B", 6, 0, "415/93B", {"415/93B 6 415/93B"}},
+      {},
+      {"415/93", 1, 1, "9/2", {"415/93 1 4", "415/93 2 9/2", "415/93 415/93 [4 ; 93/43]"}},
+      {"415/93", 1, -1, "4", {}},
+      {"415/93", 2, -1, "58/13", {"415/93 3 58/13"}},
+      {"-7/2", 1, 1, "-3", {"-7/2 1 -3", "-7/2 -7/2 [-3 ; -2]"}},
+      {"-7/2", 1, -1, "-7/2", {"-7/2 2 -7/2"}},
+      {},
+      {"-7/2B", 1, -1, "-4B", {"-7/2B 1 -4B", "-7/2B -7/2B [-4B ; 2B]"}},
+      {"-7/2", 1, 1, "-7/2B", {"-7/2 2 -7/2B"}},
+      {"5", 1, 1, "5", {}},
+      {"-5B", 0, -1, "-5B", {}},
+      {"9223372036854775808B", 1, 0, "9223372036854775808B", {}},
+  };
+  std::optional<RationalApproximator> approximator(std::in_place);
+  std::set<std::string> known;
+  for (auto const& [q, prec, dir, result, gained] : table) {
+    if (q == nullptr) {
+      approximator.emplace();
+      known.clear();
+      continue;
+    }
+    SCOPED_TRACE(std::string(q) + " at " + std::to_string(prec));
+    EXPECT_EQ(dir == cf ? show(approximator->get_cf(number(q), prec))
+                        : show(approximator->approx(number(q), prec, dir)),
+              result);
+    known.insert(gained.begin(), gained.end());
+    auto found = entries(approximator->approximations());
+    found.merge(entries(approximator->expansions()));
+    EXPECT_EQ(found, known);
+  }
+}
+
+TEST(RationalApproximator, GrowsByAttemptsNotByEntries) {
+  RationalApproximator approximator;
+  auto const buckets = [&] {
+    return std::pair(approximator.expansions().bucket_count(),
+                     approximator.approximations().bucket_count());
+  };
+  for (long n = 0; n < 22; ++n) approximator.do_approx(QNumber(2 * n + 1, 2), 1);
+  approximator.do_approx(QNumber(1, 2), 1);  // known: nothing is cfed, nothing is offered
+  EXPECT_EQ(buckets(), std::pair(31UL, 31UL));
+  approximator.get_cf(QNumber(1, 2), 1);  // an expansion is offered on every call
+  EXPECT_EQ(buckets(), std::pair(73UL, 31UL));
+  approximator.do_approx(QNumber(1, 2), 2);
+  EXPECT_EQ(buckets(), std::pair(73UL, 73UL));
+  EXPECT_EQ(approximator.expansions().size(), 22);
+}
+
+}  // namespace
+}  // namespace zelk::na
