@@ -1,0 +1,24 @@
+#include <benchmark/benchmark.h>
+
+#include <boost/version.hpp>
+
+#include "benchmarks/peers.h"
+#include "benchmarks/row.h"
+
+#include <arb.h>
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::AddCustomContext("GMP", gmp_version);
+  benchmark::AddCustomContext("FLINT", FLINT_VERSION);
+  benchmark::AddCustomContext("Arb", arb_version);
+  benchmark::AddCustomContext("Boost", BOOST_LIB_VERSION);
+  benchmark::AddCustomContext("compiler", __VERSION__);
+  zelk::bench::enter_arithmetic();
+  zelk::bench::enter_expansion();
+  zelk::bench::enter_lookup();
+  zelk::bench::enter_series();
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+}

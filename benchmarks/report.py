@@ -1,0 +1,254 @@
+#!/usr/bin/env python3
+"""Turns a run of zelk_bench into a table of ratios and two charts.
+
+usage: report.py RUN.json PEAK-KIB FOLDER
+
+RUN.json is what zelk_bench wrote, PEAK-KIB what zelk_peak_memory printed; benchmarks.md,
+benchmarks-digits.svg and benchmarks-small.svg are written to FOLDER.
+"""
+
+import json
+import math
+import re
+import statistics
+import sys
+from html import escape
+
+OURS = "zelk"
+
+# The headings of the report, the subjects below each by how they begin, and a word on the work.
+SECTIONS = [
+    ("Arithmetic", ("Fractions", "Integers"),
+     "`r = a + b` reuses the variable `r`; `r = a, r += b` works in place on a copy. The operands "
+     "are random, of either sign: 1024 pairs of small ones, 64 of big ones."),
+    ("Exponential, sine and pi", ("exp", "sin", "pi"),
+     "Every evaluation starts with new objects and empty caches. The plain evaluation is the "
+     "definition, summed and folded with this library's own numbers; the loops sum the same series "
+     "with the rationals of GMP and FLINT; Arb computes a ball at that many digits, which is then "
+     "turned into two rationals (those of pi not the simple ones that the others find). The bare "
+     "expansion stands for the least that the bounds of pi can cost: both ends expanded, and every "
+     "convergent copied out with its key, but nothing summed."),
+    ("Continued fractions", ("Continued",),
+     "All terms of a random fraction; this library also enters them in its cache."),
+    ("Repeated queries", ("Repeated",),
+     "A standard map of the same records, with the same hash and equality, hands out the same "
+     "copy."),
+]
+
+DIGITS_CHART = ["exp(1/3)", "sin(1/3)", "pi"]
+SMALL_CHART = ["Fractions, parts up to 1000", "Integers up to 1000", "Fractions, parts up to 2^31"]
+
+COLOURS = {
+    OURS: "#0072b2",
+    "plain evaluation": "#d55e00",
+    "loop on GMP's mpq": "#009e73",
+    "loop on FLINT's fmpq": "#e69f00",
+    "Arb": "#cc79a7",
+    "bare expansion": "#555555",
+    "FLINT": "#e69f00",
+    "GMP": "#009e73",
+    "Boost": "#cc79a7",
+}
+
+
+def load(path):
+    """The context of the run, {subject: {row: {contender: median seconds of one operation}}}, and
+    the number of repetitions."""
+    with open(path, encoding="utf-8") as file:
+        run = json.load(file)
+    samples = {}
+    for entry in run["benchmarks"]:
+        if entry.get("error_occurred"):
+            sys.exit(f"{entry['name']}: {entry['error_message']}")
+        if entry["run_type"] != "iteration":
+            continue
+        assert entry["time_unit"] == "ns"
+        key = (entry["family_index"], entry["run_name"])
+        samples.setdefault(key, []).append(1e-9 * entry["cpu_time"] / entry["operations"])
+    table = {}
+    for (_, name), times in sorted(samples.items()):  # in the order of registration
+        subject, row, contender = name.split(": ")
+        table.setdefault(subject, {}).setdefault(row, {})[contender] = statistics.median(times)
+    return run["context"], table, max(len(times) for times in samples.values())
+
+
+def two_digits(x):
+    """x to two significant digits, or three from 100 on: the noise hides the rest."""
+    if x >= 100:
+        return str(round(x, 2 - math.floor(math.log10(x)))).removesuffix(".0")
+    return f"{x:.{max(0, 1 - math.floor(math.log10(x)))}f}"
+
+
+def duration(seconds):
+    for unit, factor in (("s", 1), ("ms", 1e3), ("µs", 1e6)):
+        if seconds * factor >= 1:
+            return f"{two_digits(seconds * factor)} {unit}"
+    return f"{two_digits(seconds * 1e9)} ns"
+
+
+def processor():
+    try:
+        with open("/proc/cpuinfo", encoding="utf-8") as file:
+            return re.search(r"model name\s*: *(.*)", file.read()).group(1)
+    except (OSError, AttributeError):
+        return "unknown processor"
+
+
+def markdown(context, table, repetitions, peak_kib):
+    lines = [
+        "# Benchmarks",
+        "",
+        "How many times as long the others take for the same work: above 1 this library is faster.",
+        "The last column is its own time, for scale only.",
+        "",
+        "![Time against digits](benchmarks-digits.svg)",
+        "",
+        "![Small operands](benchmarks-small.svg)",
+        "",
+    ]
+    for heading, prefixes, remark in SECTIONS:
+        subjects = {s: rows for s, rows in table.items() if s.startswith(prefixes)}
+        peers = dict.fromkeys(c for rows in subjects.values() for row in rows.values() for c in row)
+        peers = [peer for peer in peers if peer != OURS]
+        lines += [f"## {heading}", "", remark, ""]
+        lines.append("| | | " + " | ".join(peers) + f" | {OURS} |")
+        lines.append("|---|---|" + "---:|" * (len(peers) + 1))
+        for subject, rows in subjects.items():
+            for name, row in rows.items():
+                ratios = [two_digits(row[p] / row[OURS]) if p in row else "" for p in peers]
+                cells = [subject, f"`{name}`" if heading == "Arithmetic" else name, *ratios]
+                lines.append(f"| {' | '.join(cells)} | {duration(row[OURS])} |")
+                subject = ""
+        lines.append("")
+    libraries = ", ".join(f"{name} {context[name].replace('_', '.')}"
+                          for name in ("GMP", "FLINT", "Arb", "Boost"))
+    lines += [
+        "## Memory",
+        "",
+        "A process that computes pi to 1000 digits, with all that its caches keep, takes "
+        f"{two_digits(int(peak_kib) / 1024)} MiB at its peak.",
+        "",
+        "## How this was measured",
+        "",
+        f"`scripts/bench`, on {context['date'][:10]}: {processor()}, {context['num_cpus']} cores; "
+        f"{libraries}; compiler version {context['compiler']}, `-O3`.",
+        "",
+        "All contenders run in one process, one thread, on the same operands. Before it is timed, "
+        "each must give the same answer as this library (Arb: an enclosure of the same value, as "
+        "narrow as asked for). Ratios are of medians of processor time over "
+        f"{repetitions} repetitions, the repetitions of all rows shuffled.",
+        "",
+    ]
+    return "\n".join(lines)
+
+
+class Drawing:
+    """A drawing in SVG; text stays text."""
+
+    def __init__(self, width, height):
+        self.parts = [
+            f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" '
+            f'width="{width}" height="{height}" font-family="sans-serif" font-size="12">',
+            f'<rect width="{width}" height="{height}" fill="#ffffff"/>',
+        ]
+
+    def text(self, x, y, content, anchor="start", more=""):
+        self.parts.append(f'<text x="{x:.1f}" y="{y:.1f}" text-anchor="{anchor}"{more}>'
+                          f"{escape(content)}</text>")
+
+    def line(self, points, colour="#dddddd", width=1):
+        path = " ".join(f"{x:.1f},{y:.1f}" for x, y in points)
+        self.parts.append(f'<polyline points="{path}" fill="none" stroke="{colour}" '
+                          f'stroke-width="{width}"/>')
+
+    def dot(self, x, y, colour):
+        self.parts.append(f'<circle cx="{x:.1f}" cy="{y:.1f}" r="4" fill="{colour}"/>')
+
+    def legend(self, x, y, names):
+        for name in names:
+            self.dot(x, y - 4, COLOURS[name])
+            self.text(x + 9, y, name)
+            x += 7 * len(name) + 30
+
+    def __str__(self):
+        return "\n".join([*self.parts, "</svg>", ""])
+
+
+def log_scale(low, high, start, end):
+    """Maps low to start and high to end, evenly in the logarithm."""
+    return lambda v: start + (end - start) * math.log(v / low) / math.log(high / low)
+
+
+def powers_of_ten(values):
+    """The powers of ten from the last below all values to the first above."""
+    first, last = math.floor(math.log10(min(values))), math.ceil(math.log10(max(values)))
+    return [10.0 ** e for e in range(first, last + 1)]
+
+
+def digits_chart(table):
+    panels = {s: {int(row.split()[0]): c for row, c in table[s].items()} for s in DIGITS_CHART}
+    times = [t for rows in panels.values() for row in rows.values() for t in row.values()]
+    names = list(dict.fromkeys(c for rows in panels.values() for row in rows.values() for c in row))
+    ticks = powers_of_ten(times)
+    drawing = Drawing(960, 420)
+    drawing.legend(70, 24, names)
+    y = log_scale(ticks[0], ticks[-1], 370, 70)
+    for i, (subject, rows) in enumerate(panels.items()):
+        left = 70 + 305 * i
+        decades = powers_of_ten(rows)
+        x = log_scale(decades[0], decades[-1], left, left + 260)
+        drawing.text(left + 130, 58, subject, "middle", ' font-weight="bold"')
+        for tick in ticks:
+            drawing.line([(left, y(tick)), (left + 260, y(tick))])
+            if i == 0:
+                drawing.text(left - 6, y(tick) + 4, duration(tick).replace("1.0", "1"), "end")
+        for decade in decades:
+            drawing.line([(x(decade), 70), (x(decade), 370)])
+            label = f"{decade / 1000:.0f}k" if decade >= 1000 else f"{decade:.0f}"
+            drawing.text(x(decade), 387, label, "middle")
+        drawing.text(left + 130, 408, "digits", "middle")
+        for name in reversed(names):  # ours on top
+            points = [(x(d), y(row[name])) for d, row in sorted(rows.items()) if name in row]
+            drawing.line(points, COLOURS[name], 3 if name == OURS else 1.5)
+            for point in points:
+                drawing.dot(*point, COLOURS[name])
+    return str(drawing)
+
+
+def small_chart(table):
+    rows = [(f"{subject}:  {name}", {p: t / row[OURS] for p, t in row.items() if p != OURS})
+            for subject in SMALL_CHART for name, row in table[subject].items()]
+    ratios = [r for _, row in rows for r in row.values()]
+    low, high = min(0.8, *ratios) / 1.1, max(ratios) * 1.1
+    x = log_scale(low, high, 300, 830)
+    bottom = 60 + 24 * len(rows)
+    drawing = Drawing(860, bottom + 45)
+    drawing.legend(300, 24, list(rows[0][1]))
+    for tick in (t for t in (0.5, 1, 2, 5, 10, 20, 50, 100, 200) if low <= t <= high):
+        drawing.line([(x(tick), 44), (x(tick), bottom)], "#444444" if tick == 1 else "#dddddd")
+        drawing.text(x(tick), bottom + 16, str(tick), "middle")
+    for i, (name, row) in enumerate(rows):
+        drawing.text(290, 64 + 24 * i, name, "end")
+        drawing.line([(300, 60 + 24 * i), (830, 60 + 24 * i)], "#eeeeee")
+        for peer, ratio in row.items():
+            drawing.dot(x(ratio), 60 + 24 * i, COLOURS[peer])
+    drawing.text(565, bottom + 36, "time relative to zelk", "middle")
+    return str(drawing)
+
+
+def main():
+    if len(sys.argv) != 4:
+        sys.exit(__doc__)
+    path, peak_kib, folder = sys.argv[1:]
+    context, table, repetitions = load(path)
+    for name, content in (
+        ("benchmarks.md", markdown(context, table, repetitions, peak_kib)),
+        ("benchmarks-digits.svg", digits_chart(table)),
+        ("benchmarks-small.svg", small_chart(table)),
+    ):
+        with open(f"{folder}/{name}", "w", encoding="utf-8") as file:
+            file.write(content)
+
+
+if __name__ == "__main__":
+    main()
