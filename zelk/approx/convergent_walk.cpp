@@ -10,7 +10,7 @@ namespace zelk::na {
 
 namespace {
 
-/// Whether no small form can hold q.
+/// Whether q is certainly beyond small form.
 bool exceeds_words(QNumber const& q) {
   return q.is_big() &&
          (mpz_fits_slong_p(q.numerator()) == 0 || mpz_fits_slong_p(q.denominator()) == 0);

@@ -27,7 +27,7 @@ class ConvergentWalk {
   /// unchanged; first >= 1, unless q is an integer.
   ConvergentWalk(RationalApproximator& approximator, QNumber const& q, unsigned first);
 
-  /// The next convergent, good for as long as the approximator lives.
+  /// The next convergent: q itself if that is an integer, otherwise the cache's entry.
   QNumber const& next();
 
   /// Whether the last convergent is less than q, or greater.

@@ -1,5 +1,6 @@
 #include "zelk/approx/machin.h"
 
+#include "zelk/approx/common_denominator.h"
 #include "zelk/numbers/integer.h"
 #include "zelk/numbers/leading_bits.h"
 
@@ -9,31 +10,31 @@ namespace {
 
 using Bounds = PowerSeriesApproximator::Bounds;
 
-/// Takes `sum_machin` over after its test of k, when the term is in big form, and through it both
-/// ends of any later enclosure: the powers A_k = 16/5^(2k+1) and B_k = 4/239^(2k+1) and the sum,
-/// as integers over a common denominator d that gains a factor 25 * 239^2 * (2k+1) with each term.
+constexpr unsigned long step_5 = 25;
+constexpr unsigned long step_239 = 239UL * 239;
+
+/// Takes `sum_machin` over after its test of k, when the term and the powers A_k = 16/5^(2k+1) and
+/// B_k = 4/239^(2k+1) are in big form, and so would be the result of every operation to come. The
+/// powers and the sum go on as integers over a common denominator d, which gains a factor
+/// 25 * 239^2 * (2k+1) with each term.
 Bounds continue_machin(mpz_srcptr reciprocal, unsigned k, QNumber const& power_5,
                        QNumber const& power_239, QNumber const& sum) {
   Integer a, b, s, t, d, left, right;
-  mpz_lcm(d, power_5.denominator(), power_239.denominator());
-  mpz_lcm(d, d, sum.denominator());
-  auto const put_over_d = [&](QNumber const& q, mpz_ptr numerator) {
-    mpz_divexact(numerator, d, q.denominator());
-    mpz_mul(numerator, numerator, q.numerator());
-  };
-  put_over_d(power_5, a);
-  put_over_d(power_239, b);
-  put_over_d(sum, s);
+  least_common_denominator(d, power_5, power_239, sum);
+  put_over(d, power_5, a);
+  put_over(d, power_239, b);
+  put_over(d, sum, s);
   for (;;) {
     ++k;
     unsigned long const odd = 2UL * k + 1;
-    mpz_mul_ui(a, a, 239 * 239);
-    mpz_mul_ui(b, b, 25);
+    unsigned long const factor = step_5 * step_239 * odd;
+    mpz_mul_ui(a, a, step_239);
+    mpz_mul_ui(b, b, step_5);
     mpz_sub(t, a, b);
     mpz_mul_ui(a, a, odd);
     mpz_mul_ui(b, b, odd);
-    mpz_mul_ui(s, s, 25 * 239 * 239 * odd);
-    mpz_mul_ui(d, d, 25 * 239 * 239 * odd);
+    mpz_mul_ui(s, s, factor);
+    mpz_mul_ui(d, d, factor);
     bool const subtracted = k % 2 != 0;
     (subtracted ? mpz_sub : mpz_add)(s, s, t);
     if (compare_products(t, reciprocal, d, IntegerView(1), left, right) > 0) continue;
@@ -49,8 +50,8 @@ Bounds continue_machin(mpz_srcptr reciprocal, unsigned k, QNumber const& power_5
 }  // namespace
 
 Bounds sum_machin(QNumber const& tolerance) {
-  QNumber const step_5(1, 25);
-  QNumber const step_239 = QNumber(1, 239) * QNumber(1, 239);
+  QNumber const by_5(1, 25);
+  QNumber const by_239 = QNumber(1, 239) * QNumber(1, 239);
   QNumber power_5 = QNumber(16) * QNumber(1, 5);     // 16/5^(2k+1)
   QNumber power_239 = QNumber(4) * QNumber(1, 239);  // 4/239^(2k+1)
   QNumber term = power_5 - power_239;
@@ -63,8 +64,8 @@ Bounds sum_machin(QNumber const& tolerance) {
       return {sum - term, sum};
     }
     if (term.is_big()) return continue_machin(tolerance.denominator(), k, power_5, power_239, sum);
-    power_5 *= step_5;
-    power_239 *= step_239;
+    power_5 *= by_5;
+    power_239 *= by_239;
     term = (power_5 - power_239) / QNumber(2 * k + 3);
     sign.negate();
   }

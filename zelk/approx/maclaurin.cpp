@@ -10,15 +10,10 @@ namespace {
 
 using ApproxData = PowerSeriesApproximator::ApproxData;
 
-/// (a ± b)/d in lowest terms.
-QNumber sum_over(mpz_srcptr a, mpz_srcptr b, mpz_srcptr d) {
+/// add(a, b) / d, where add is mpz_add or mpz_sub.
+QNumber fraction(decltype(mpz_add)& add, mpz_srcptr a, mpz_srcptr b, mpz_srcptr d) {
   Integer n;
-  mpz_add(n, a, b);
-  return QNumber::big_from_mpz(n, d);
-}
-QNumber difference_over(mpz_srcptr a, mpz_srcptr b, mpz_srcptr d) {
-  Integer n;
-  mpz_sub(n, a, b);
+  add(n, a, b);
   return QNumber::big_from_mpz(n, d);
 }
 
@@ -36,8 +31,8 @@ bool tail_below(mpz_srcptr s, mpz_srcptr t, mpz_srcptr d, mpz_srcptr d_minus_t,
   return mpz_cmp(left, right) < 0;
 }
 
-/// Takes `sum_exp` over after its test of k, when S_k and T_k are in big form and so every number
-/// of every later record: the same tests, decided on integers.
+/// Takes `sum_exp` over after its test of k, when T_k, S_k and S_(k-1) are in big form, and so
+/// would be the result of every operation to come: the same tests, decided on integers.
 ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber const& term,
                         QNumber const& sum, QNumber const& previous) {
   PowerTerms series(x, static_cast<unsigned>(k), term, sum);
@@ -75,15 +70,15 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
               {partial_before, QNumber::big_from_mpz(before, rest_before)},
               k};
     }
-    QNumber const next = sum_over(s, t, d);
+    QNumber const next = fraction(mpz_add, s, t, d);
     if (k % 2 != 0) return {{next, partial}, {partial, partial_before}, k};
     return {{partial, next}, {partial_before, partial}, k};
   }
 }
 
-/// Takes `sum_sin` over after its test of n, when the next sine term is in big form, and through it
-/// every number of every later record: T_(n+1), and the sums so far, which the next terms enter
-/// with `negated` sign or not.
+/// Takes `sum_sin` over after its test of n, when the next terms are in big form, and so would be
+/// the result of every operation to come. It goes on from T_(n+1) = `cosine_term` and the sums so
+/// far, which the next terms enter with `negated` sign or not.
 ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, bool negated,
                         QNumber const& cosine_term, QNumber const& sine, QNumber const& cosine) {
   PowerTerms series(x, n + 1, cosine_term, sine, cosine);
@@ -103,8 +98,9 @@ ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, boo
     series.last_term(cosine_error);
     mpz_abs(cosine_error, cosine_error);
     auto const around = [&](mpz_srcptr centre, mpz_srcptr error) {
-      return PowerSeriesApproximator::Bounds(difference_over(centre, error, series.denominator()),
-                                             sum_over(centre, error, series.denominator()));
+      return PowerSeriesApproximator::Bounds(
+          fraction(mpz_sub, centre, error, series.denominator()),
+          fraction(mpz_add, centre, error, series.denominator()));
     };
     return {around(series.sum(0), sine_error), around(series.sum(1), cosine_error),
             static_cast<int>(n)};
@@ -156,7 +152,7 @@ ApproxData sum_exp(QNumber const& x, unsigned prec) {
       if (zero < second_previous && abs(term) < tolerance)
         return {{sum, sum + term}, {previous, previous + last_term}, k};
     }
-    if (sum.is_big() && term.is_big())
+    if (term.is_big() && sum.is_big() && previous.is_big())
       return continue_exp(x, tolerance.denominator(), k, term, sum, previous);
   }
 }
@@ -200,7 +196,7 @@ ApproxData sum_sin(QNumber const& x, unsigned prec) {
       return {{sine - sine_error, sine + sine_error},
               {cosine - cosine_error, cosine + cosine_error},
               static_cast<int>(n)};
-    if (sine_term.is_big())
+    if (sine_term.is_big() && cosine_term.is_big() && second_term.is_big())
       return continue_sin(x, tolerance.denominator(), n, sign.sign() < 0, cosine_term, sine,
                           cosine);
   }

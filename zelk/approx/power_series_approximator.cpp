@@ -27,7 +27,8 @@ Bounds simplify(RationalApproximator& approximator, Bounds const& ends, QNumber 
   }
 }
 
-/// The record under `key`, made by `compute` on the first request.
+/// The record under `key`, made by `compute` on the first request, which then takes it by
+/// `operator[]`: the map may grow once more here.
 template <class Cache, class Key, class Compute>
 auto const& answer(Cache& cache, Key const& key, Compute compute) {
   if (auto const known = cache.find(key); known != cache.end()) return known.node->value.second;

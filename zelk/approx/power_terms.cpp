@@ -1,23 +1,14 @@
 #include "zelk/approx/power_terms.h"
 
+#include "zelk/approx/common_denominator.h"
 #include "zelk/numbers/leading_bits.h"
 
 namespace zelk::na {
 
-namespace {
-
-void put_over(mpz_srcptr denominator, QNumber const& q, mpz_ptr numerator) {
-  mpz_divexact(numerator, denominator, q.denominator());
-  mpz_mul(numerator, numerator, q.numerator());
-}
-
-}  // namespace
-
 PowerTerms::PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
                        QNumber const& sum1)
     : p(x.numerator()), q(x.denominator()), j(index) {
-  mpz_lcm(d, term.denominator(), sum0.denominator());
-  mpz_lcm(d, d, sum1.denominator());
+  least_common_denominator(d, term, sum0, sum1);
   put_over(d, term, t);
   put_over(d, sum0, sums[0]);
   put_over(d, sum1, sums[1]);

@@ -14,8 +14,8 @@ namespace zelk::na {
 /// digits.
 class PowerTerms {
  public:
-  /// Starts with T_j = term. Requires: x is not 0 and outlives this object.
-  PowerTerms(QNumber const& x, unsigned j, QNumber const& term, QNumber const& sum0,
+  /// Starts with T_j = term for j = index. Requires: x is not 0 and outlives this object.
+  PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
              QNumber const& sum1 = QNumber());
 
   /// From T_(j-1) to T_j; the sums keep their values.

@@ -13,11 +13,13 @@ namespace {
 /// Splits terms off the remainder of c until it has `count`, or all.
 void extend(RationalApproximator::ContinuedFraction& c, unsigned count) {
   auto const incomplete = [&] { return c.terms.size() < count; };
+  if (!incomplete() || c.remainder.is_zero()) return;
   if (!c.remainder.is_big()) {
-    while (incomplete() && !c.remainder.is_zero()) {
+    do {
       c.terms.push_back(c.remainder.self_decompose());
-      if (!c.remainder.is_zero()) c.remainder = c.remainder.inv();
-    }
+      if (c.remainder.is_zero()) return;
+      c.remainder = c.remainder.inv();
+    } while (incomplete());
     return;
   }
   // The same of a big form, which splits by floors and stays big.
@@ -52,7 +54,7 @@ QNumber RationalApproximator::do_approx(QNumber const& q, unsigned prec) {
 QNumber RationalApproximator::approx(QNumber const& q, unsigned prec, int dir) {
   ConvergentWalk walk(*this, q, prec);
   QNumber r = walk.next();
-  while (dir > 0 ? walk.below() : dir < 0 && walk.above()) r = walk.next();
+  while (dir > 0 ? r < q : dir < 0 && q < r) r = walk.next();
   return r;
 }
 

@@ -27,8 +27,9 @@ class HashMap : public Hashtable<std::pair<Key, Mapped>, GetKey_pair<Key, Mapped
     return node->value.second;
   }
 
-  /// Puts a finished value, or what makes one, under k, over one that is there: no entry is ever
-  /// seen half made. Returns the stored value. One insertion attempt, as `operator[]`.
+  /// Puts a finished value, or what makes one, under k: a new entry is complete when it is first
+  /// seen, a present one is assigned to. Returns the stored value. One insertion attempt, as
+  /// `operator[]`.
   template <class K = Key, class Part = Mapped>
   Mapped& store(K const& k, Part const& value) {
     std::size_t index;

@@ -54,8 +54,8 @@ struct hash<unsigned> {
 struct pair_hash_eq {
   using Key = std::pair<QNumber, unsigned>;
 
-  /// Stands in for a key in lookups, without a copy of the number; keeps the number's hash, which
-  /// is all of the work.
+  /// Stands in for a key in lookups, without a copy of the number. Hashes the number once, when it
+  /// is made, for any number of lookups.
   struct View : std::pair<QNumber const&, unsigned> {
     View(QNumber const& number, unsigned precision)
         : pair(number, precision), number_hash(Hasher<QNumber>()(number)) {}

@@ -15,7 +15,8 @@ namespace detail {
 [[gnu::noinline, gnu::cold]] void remember_gcd(long a, long b);
 
 /// gcd(a, b) by Euclid's algorithm, which ends early at the first pair the table already knows and
-/// enters every smaller pair it passes, so that a later walk over the same remainders is one look.
+/// enters every pair inside the table that it passes, so that a later walk over the same remainders
+/// is one look.
 ///
 /// Requires: a >= 0, b >= 1.
 inline long cached_gcd(long a, long b) {

@@ -30,6 +30,7 @@ class LeadingBits {
 
   /// -1 or 1 when a < b or a > b is certain, 0 when the leading bits do not tell.
   friend int compare(LeadingBits const& a, LeadingBits const& b) {
+    // A lead of 2 decides: 4 * 2^62 = 2^64 is more than 2^63 and the slack.
     std::int64_t const lead = a.exponent - b.exponent;
     if (lead < -1 || lead > 1) return lead < 0 ? -1 : 1;
     std::uint64_t const x = a.mantissa << (lead > 0 ? 1 : 0);

@@ -87,7 +87,8 @@ QNumber QNumber::from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
 
 QNumber QNumber::big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
   assert(mpz_sgn(denominator) != 0);
-  QNumber big(LowestTerms{numerator, denominator});
+  QNumber big;
+  big.adopt(new Block(numerator, denominator));
   big.normalise_big();
   return big;
 }
@@ -193,7 +194,8 @@ void QNumber::quotient_big(QNumber const& a, QNumber const& b) {
 
 QNumber QNumber::inv_big() const {
   // In lowest terms as before: only the sign can be in the wrong place.
-  QNumber inverse(LowestTerms{denominator(), numerator()});
+  QNumber inverse;
+  inverse.adopt(new Block(block()->denominator, block()->numerator));
   auto& [n, d] = *inverse.block();
   make_denominator_positive(n, d);
   return inverse;

@@ -48,10 +48,15 @@ class QNumber {
       make_big();
   }
 
-  /// Numbers that a conversion to `long` would change silently.
+  /// Arguments that a conversion to `long` could change silently.
   template <class T>
-  requires(std::floating_point<T> || (std::unsigned_integral<T> && sizeof(T) >= sizeof(long)))
-      QNumber(T)
+  static constexpr bool may_not_fit = std::floating_point<T> ||
+                                      (std::unsigned_integral<T> && sizeof(T) >= sizeof(long));
+  template <class T>
+  requires(may_not_fit<T>) QNumber(T)
+  = delete;
+  template <class N, class D>
+  requires(may_not_fit<N> || may_not_fit<D>) QNumber(N, D)
   = delete;
 
   /// n/d in lowest terms. In big form exactly when n or d is -2^63. Requires: d != 0.
@@ -82,7 +87,9 @@ class QNumber {
 
   /// In big form whatever the value, and without a gcd.
   explicit QNumber(LowestTerms const& fraction)
-      : num(std::bit_cast<long>(new Block(fraction.numerator, fraction.denominator))), den(0) {}
+      : num(std::bit_cast<long>(new Block(fraction.numerator, fraction.denominator))), den(0) {
+    assert(mpz_sgn(fraction.denominator) > 0);
+  }
 
   QNumber(QNumber const& other) : num(other.num), den(other.den) {
     if (den == 0) [[unlikely]]
@@ -357,5 +364,13 @@ class QNumber {
 };
 
 static_assert(sizeof(QNumber) == 16);
+
+QNumber operator+(QNumber const& a, QNumber const& b);
+QNumber operator-(QNumber const& a, QNumber const& b);
+QNumber operator*(QNumber const& a, QNumber const& b);
+QNumber operator/(QNumber const& a, QNumber const& b);
+QNumber abs(QNumber const& q);
+bool operator==(QNumber const& a, QNumber const& b);
+bool operator<(QNumber const& a, QNumber const& b);
 
 }  // namespace zelk
