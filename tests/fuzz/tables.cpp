@@ -100,11 +100,11 @@ void run_tables(Bytes bytes) {
     table.find(k);
     if (op < 240) {
       table.insert(k, value, op / 4 % 3);
+    } else if (op < 252) {  // neighbours, so that the table grows
+      for (unsigned i = 0; i < 32 && table.mapped.size() < 400; ++i)
+        table.insert(k + QNumber(i), i, i % 3);
     } else {
-      if (op >= 252) table.rehash(8 * value);
-      // Enough neighbours to make the table grow.
-      for (unsigned i = 0; i < value / 4; ++i) table.insert(k + QNumber(i), i, i % 3);
-      table.check_chains();
+      table.rehash(8 * value);
     }
   }
   table.check_chains();

@@ -16,7 +16,10 @@ inline void require(bool holds) {
 /// integers and table of gcds itself between its calls. A wrong answer ends the program.
 class Resident {
  public:
-  Resident() { work(); }
+  Resident() {
+    for (auto& scratch : QNumber::gmp_tmp) require(mpz_limbs_read(scratch) != nullptr);
+    work();
+  }
   ~Resident() { work(); }
 
   /// Every time at a new precision, so that something is left to compute.
