@@ -48,7 +48,7 @@ void expect_records(std::initializer_list<char const*> rows,
 }
 
 TEST(PowerSeriesApproximator, StoresOneRecordForBothPairs) {
-  // exp at 1/1000 would meet its tolerance at degree 2, at -1 at degree 3, and sin at 3 at degree
+  // exp at 1/1000, and at -1 for prec 0, would meet the tolerance at degree 2, sin at 3 at degree
   // 7: there the sign of a second derivative says when to stop.
   expect_records(
       {"0 7 1 1 1 1 0", "0B 7 1 1 1 1 0", "1 0 5/2 3 2 4 3", "1B 0 5/2B 3B 2B 4B 3",

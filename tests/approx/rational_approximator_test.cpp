@@ -48,11 +48,11 @@ TEST(RationalApproximator, AnswersAndRemembers) {
       {"0B", 3, cf, "0B [; 0B]", {}},
       // Beyond 32 bits a number hashes differently in its two forms, and each gets an entry.
       {"2147483648", 0, cf, "2147483648 [; 2147483648]", {"2147483648 2147483648 [; 2147483648]"}},
-      {"-2147483649B",
-       1,
+      {"2147483648B",
+       0,
        cf,
-       "-2147483649B [-2147483649B ; 0B]",
-       {"-2147483649B -2147483649B [-2147483649B ; 0B]"}},
+       "2147483648B [; 2147483648B]",
+       {"2147483648B 2147483648B [; 2147483648B]"}},
       {},
       // Begun in small form, rounded toward zero; gone on with in big form, rounded down.
       {"-415/93", 1, 0, "-4", {"-415/93 1 -4", "-415/93 -415/93 [-4 ; -93/43]"}},
