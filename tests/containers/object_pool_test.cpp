@@ -24,11 +24,11 @@ TEST(ObjectPool, TakesChunksThatDoubleUpToALimit) {
 }
 
 TEST(ObjectPool, HandsOutTheMostRecentlyFreedFirst) {
-  using Owner = std::shared_ptr<int>;
+  using Owner = std::vector<std::shared_ptr<int>>;
   auto const shared = std::make_shared<int>();
   ObjectPool<Owner, false> pool;
   Owner* owners[3];
-  for (auto& owner : owners) owner = ::new (pool.allocate()) Owner(shared);
+  for (auto& owner : owners) owner = ::new (pool.allocate()) Owner{shared};
   for (auto* const owner : owners) pool.free(owner);
   EXPECT_EQ(shared.use_count(), 1);
   for (void* const slot : {owners[2], owners[1], owners[0], owners[2] + 1})

@@ -63,7 +63,8 @@ Bounds sum_machin(QNumber const& tolerance) {
       if (k % 2 != 0) return {sum, sum + term};
       return {sum - term, sum};
     }
-    if (term.is_big()) return continue_machin(tolerance.denominator(), k, power_5, power_239, sum);
+    if (term.is_big() && power_5.is_big() && power_239.is_big())
+      return continue_machin(tolerance.denominator(), k, power_5, power_239, sum);
     power_5 *= by_5;
     power_239 *= by_239;
     term = (power_5 - power_239) / QNumber(2 * k + 3);
