@@ -10,13 +10,6 @@ namespace {
 
 using ApproxData = PowerSeriesApproximator::ApproxData;
 
-/// add(a, b) / d, where add is mpz_add or mpz_sub.
-QNumber fraction(decltype(mpz_add)& add, mpz_srcptr a, mpz_srcptr b, mpz_srcptr d) {
-  Integer n;
-  add(n, a, b);
-  return QNumber::big_from_mpz(n, d);
-}
-
 /// S T / (1 - T) < 1/reciprocal, for S = s/d and T = t/d with 0 < t and d_minus_t = d - t > 0.
 bool tail_below(mpz_srcptr s, mpz_srcptr t, mpz_srcptr d, mpz_srcptr d_minus_t,
                 mpz_srcptr reciprocal) {
@@ -61,8 +54,8 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
     Integer before;
     series.last_term(last);
     mpz_sub(before, s, last);
-    QNumber const partial = QNumber::big_from_mpz(s, d);
-    QNumber const partial_before = QNumber::big_from_mpz(before, d);
+    QNumber const partial = series.reduced(s);
+    QNumber const partial_before = series.reduced(before);
     if (ascending) {
       Integer rest_before;
       mpz_sub(rest_before, d, last);
@@ -70,7 +63,8 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
               {partial_before, QNumber::big_from_mpz(before, rest_before)},
               k};
     }
-    QNumber const next = fraction(mpz_add, s, t, d);
+    mpz_add(rest, s, t);
+    QNumber const next = series.reduced(rest);
     if (k % 2 != 0) return {{next, partial}, {partial, partial_before}, k};
     return {{partial, next}, {partial_before, partial}, k};
   }
@@ -98,9 +92,11 @@ ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, boo
     series.last_term(cosine_error);
     mpz_abs(cosine_error, cosine_error);
     auto const around = [&](mpz_srcptr centre, mpz_srcptr error) {
-      return PowerSeriesApproximator::Bounds(
-          fraction(mpz_sub, centre, error, series.denominator()),
-          fraction(mpz_add, centre, error, series.denominator()));
+      Integer lower;
+      Integer upper;
+      mpz_sub(lower, centre, error);
+      mpz_add(upper, centre, error);
+      return PowerSeriesApproximator::Bounds(series.reduced(lower), series.reduced(upper));
     };
     return {around(series.sum(0), sine_error), around(series.sum(1), cosine_error),
             static_cast<int>(n)};

@@ -7,7 +7,7 @@ namespace zelk::na {
 
 PowerTerms::PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
                        QNumber const& sum1)
-    : p(x.numerator()), q(x.denominator()), j(index) {
+    : p(x.numerator()), q(x.denominator()), start(index) {
   least_common_denominator(d, term, sum0, sum1);
   put_over(d, term, t);
   put_over(d, sum0, sums[0]);
@@ -36,6 +36,18 @@ bool PowerTerms::term_below(mpz_srcptr reciprocal) {
 void PowerTerms::last_term(mpz_ptr numerator) {
   mpz_divexact(numerator, t, p);
   mpz_mul(numerator, numerator, factor);
+}
+
+QNumber PowerTerms::reduced(mpz_srcptr numerator) {
+  Integer common, n, denominator;
+  if (mpz_sgn(cancellable.get()) == 0) {
+    mpz_pow_ui(common, q, j - start);
+    mpz_divexact(cancellable, d, common);
+  }
+  mpz_gcd(common, numerator, cancellable);
+  mpz_divexact(n, numerator, common);
+  mpz_divexact(denominator, d, common);
+  return QNumber(QNumber::LowestTerms{n, denominator});
 }
 
 }  // namespace zelk::na

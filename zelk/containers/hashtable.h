@@ -17,14 +17,16 @@ namespace zelk::hsh {
 /// GetKey takes the Key out of a Value, Hash maps a Key to 64 bits, Eq compares two Keys; none of
 /// them may throw. Lookups also take any stand-in K for a Key that Hash and Eq accept, so that a
 /// key need not be copied together to be looked up. Bucket counts are `primes`, at first 31; before
-/// each insertion attempt a load above 0.7 grows the table to the next one. A failed growth or
-/// insertion leaves every entry.
+/// each insertion attempt a load above 0.7 grows the table to the next one, by the hashes that the
+/// nodes carry: a key is hashed once for each lookup or insertion, however often the table grows.
+/// A failed growth or insertion leaves every entry.
 template <class Value, class GetKey, class Key, class Hash, class Eq>
 class Hashtable {
  public:
   struct Bucket {
     Bucket* next;
     Value value;
+    std::uint64_t hash;  // of the key, once the node is in a chain
   };
 
   /// The result of a lookup; `node` is null at the end. Two are equal when their nodes are.
@@ -68,14 +70,7 @@ class Hashtable {
   /// Sets *index to the bucket of k; on true also *node to the entry with key k.
   template <class K = Key>
   bool do_find(K const& k, std::size_t* index, Bucket** node) {
-    *index = index_of(k, buckets.size());
-    for (Bucket* candidate = buckets[*index]; candidate != nullptr; candidate = candidate->next) {
-      if (Eq()(GetKey()(candidate->value), k)) {
-        *node = candidate;
-        return true;
-      }
-    }
-    return false;
+    return locate(k, Hash()(k), index, node);
   }
 
   /// As `insert`, telling bucket and node of the entry, new or old, through the pointers.
@@ -87,8 +82,10 @@ class Hashtable {
   template <class K, class... Parts>
   bool find_or_add(K const& k, std::size_t* index, Bucket** node, Parts const&... parts) {
     make_room();
-    if (do_find(k, index, node)) return false;
+    std::uint64_t const hash = Hash()(k);
+    if (locate(k, hash, index, node)) return false;
     *node = new_Bucket(parts...);
+    (*node)->hash = hash;
     push(buckets[*index], *node);
     ++count;
     return true;
@@ -104,7 +101,7 @@ class Hashtable {
     for (Bucket* head : buckets) {
       while (head != nullptr) {
         Bucket* const node = std::exchange(head, head->next);
-        push(grown[index_of(GetKey()(node->value), grown.size())], node);
+        push(grown[node->hash % grown.size()], node);
       }
     }
     buckets.swap(grown);
@@ -122,7 +119,7 @@ class Hashtable {
   Bucket* new_Bucket(Parts const&... parts) {
     void* const slot = pool.allocate();
     try {
-      return ::new (slot) Bucket{nullptr, Value(parts...)};
+      return ::new (slot) Bucket{nullptr, Value(parts...), 0};
     } catch (...) {
       pool.recycle(slot);
       throw;
@@ -138,8 +135,15 @@ class Hashtable {
 
  private:
   template <class K>
-  static std::size_t index_of(K const& k, std::size_t bucket_count) {
-    return Hash()(k) % bucket_count;
+  bool locate(K const& k, std::uint64_t hash, std::size_t* index, Bucket** node) {
+    *index = hash % buckets.size();
+    for (Bucket* candidate = buckets[*index]; candidate != nullptr; candidate = candidate->next) {
+      if (Eq()(GetKey()(candidate->value), k)) {
+        *node = candidate;
+        return true;
+      }
+    }
+    return false;
   }
 
   static void push(Bucket*& head, Bucket* node) {

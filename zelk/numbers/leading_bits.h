@@ -6,6 +6,14 @@
 
 namespace zelk {
 
+/// The 63 bits of n's magnitude that begin `unused` bits below the top of limb `size` - 1.
+/// Requires: all bits above them are 0.
+inline std::uint64_t bits_below(mpz_srcptr n, mp_size_t size, int unused) {
+  std::uint64_t top = mpz_getlimbn(n, size - 1) << unused;
+  if (unused != 0) top |= mpz_getlimbn(n, size - 2) >> (64 - unused);  // 0 below the last limb
+  return top >> 1;
+}
+
 /// The magnitude of an integer other than 0, or of a product of up to three of them, known by its
 /// leading bits: it lies in [mantissa, mantissa + slack] * 2^exponent, 2^62 <= mantissa < 2^63.
 ///
@@ -14,11 +22,8 @@ class LeadingBits {
  public:
   explicit LeadingBits(mpz_srcptr n) {
     auto const size = static_cast<mp_size_t>(mpz_size(n));
-    mp_limb_t const first = mpz_getlimbn(n, size - 1);
-    int const unused = __builtin_clzl(first);
-    std::uint64_t top = first << unused;
-    if (unused != 0) top |= mpz_getlimbn(n, size - 2) >> (64 - unused);  // 0 below the last limb
-    mantissa = top >> 1;
+    int const unused = __builtin_clzl(mpz_getlimbn(n, size - 1));
+    mantissa = bits_below(n, size, unused);
     exponent = 64 * size - unused - 63;
   }
 

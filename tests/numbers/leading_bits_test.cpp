@@ -1,0 +1,37 @@
+#include "zelk/numbers/leading_bits.h"
+
+#include <gmpxx.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace zelk {
+namespace {
+
+// The more is cut off the factors, the further a product strays from its true bits: here almost a
+// unit is cut off each, at every size that a mantissa can have.
+TEST(LeadingBits, NeverDecideAgainstTheExactProducts) {
+  std::vector<mpz_class> factors;
+  for (double size = 1; size < 2; size += 1.0 / 32)
+    factors.push_back((mpz_class(size * 0x1p62) << 100) + (mpz_class(1) << 100) - 1);
+  for (mpz_class const& a : factors) {
+    for (mpz_class const& b : factors) {
+      for (mpz_class const& c : factors) {
+        mpz_class const product = a * b * c;
+        auto const bits = LeadingBits(a.get_mpz_t()) * LeadingBits(b.get_mpz_t()) *
+                          LeadingBits(c.get_mpz_t());
+        // Whatever lies below by less than 2^-59 must not be taken to be above, and far away is.
+        for (int const distance : {60, 61, 62, 300}) {
+          mpz_class const less = product - (product >> distance);
+          ASSERT_GE(compare(bits, LeadingBits(less.get_mpz_t())), 0);
+        }
+        mpz_class const far = product - (product >> 50);
+        ASSERT_EQ(compare(bits, LeadingBits(far.get_mpz_t())), 1);
+        ASSERT_EQ(compare(LeadingBits(far.get_mpz_t()), bits), -1);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zelk
