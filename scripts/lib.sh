@@ -20,6 +20,8 @@ needs_command=(g++:"${CXX:-c++}" cmake:cmake ninja-build:ninja libgmp-dev:gmp.h
   libcli11-dev:CLI/CLI.hpp)
 needs_test=("${needs_command[@]}" libgmp-dev:gmpxx.h libmpfr-dev:mpfr.h
   libgtest-dev:gtest/gtest.h)
+# With what its sanitizers need: the header comes with their runtime library.
+needs_clang=(clang:clang++ libclang-rt-dev:fuzzer/FuzzedDataProvider.h)
 
 # missing NEED...: prints the needs that are not met, one a line.
 missing() {

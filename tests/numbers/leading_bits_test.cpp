@@ -18,10 +18,10 @@ TEST(LeadingBits, NeverDecideAgainstTheExactProducts) {
     for (mpz_class const& b : factors) {
       for (mpz_class const& c : factors) {
         mpz_class const product = a * b * c;
-        auto const bits = LeadingBits(a.get_mpz_t()) * LeadingBits(b.get_mpz_t()) *
-                          LeadingBits(c.get_mpz_t());
+        auto const bits =
+            LeadingBits(a.get_mpz_t()) * LeadingBits(b.get_mpz_t()) * LeadingBits(c.get_mpz_t());
         // Whatever lies below by less than 2^-59 must not be taken to be above, and far away is.
-        for (int const distance : {60, 61, 62, 300}) {
+        for (mp_bitcnt_t const distance : {60U, 61U, 62U, 300U}) {
           mpz_class const less = product - (product >> distance);
           ASSERT_GE(compare(bits, LeadingBits(less.get_mpz_t())), 0);
         }

@@ -14,7 +14,7 @@ using Bounds = na::PowerSeriesApproximator::Bounds;
 
 inline QNumber tolerance(unsigned prec) {
   QNumber power(1);
-  while (prec-- > 0) power *= QNumber(10);
+  for (; prec > 0; --prec) power *= QNumber(10);
   return power.inv();
 }
 

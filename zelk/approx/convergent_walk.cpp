@@ -19,20 +19,20 @@ bool exceeds_words(QNumber const& q) {
 /// [a0; a1, ..., a(count-1)], folded from the back. Requires: 1 <= count <= terms.size().
 QNumber fold(std::vector<QNumber> const& terms, std::size_t count) {
   QNumber r = terms[count - 1];
-  for (std::size_t i = count - 1; i-- > 0;) r = r.inv() + terms[i];
+  for (std::size_t i = count - 1; i > 0; --i) r = r.inv() + terms[i - 1];
   return r;
 }
 
 }  // namespace
 
 ConvergentWalk::ConvergentWalk(RationalApproximator& approximator, QNumber const& q, unsigned first)
-    : owner(approximator), key(q, first - 1), is_wide(exceeds_words(q)), current(&q) {
+    : owner(approximator), key(q, first), is_wide(exceeds_words(q)), current(&q) {
   assert(first >= 1 || q.is_integer());
 }
 
 QNumber const& ConvergentWalk::next() {
-  ++key.second;
   if (key.first.is_integer()) return *current;
+  if (current != &key.first) ++key.second;
   auto const known = owner.approx_cache.find(key);
   current = known != owner.approx_cache.end() ? &known.node->value.second : &compute();
   return *current;

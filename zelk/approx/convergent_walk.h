@@ -60,7 +60,7 @@ class ConvergentWalk {
   RationalApproximator& owner;
   hsh::pair_hash_eq::View key;  // the number, and the precision of `current`
   bool is_wide;
-  QNumber const* current;
+  QNumber const* current;                // at first the number itself
   std::optional<Recurrence> recurrence;  // from the first convergent that the cache did not have
 };
 

@@ -56,7 +56,7 @@ class MemoryPool {
 
     // From the last slot to the first, so that the list runs in address order.
     auto* const first = static_cast<std::byte*>(memory) + sizeof(Link);
-    for (std::uint64_t i = slots; i-- > 0;) recycle(first + i * Size);
+    for (std::uint64_t i = slots; i > 0; --i) recycle(first + (i - 1) * Size);
   }
 
   std::uint64_t chunk_objects = 16;

@@ -12,7 +12,7 @@ namespace zelk {
 class IntegerView {
  public:
   explicit IntegerView(long word)
-      : limb(word < 0 ? 0 - static_cast<mp_limb_t>(word) : static_cast<mp_limb_t>(word)),
+      : limb(word < 0 ? ~static_cast<mp_limb_t>(word) + 1 : static_cast<mp_limb_t>(word)),
         own MPZ_ROINIT_N(&limb, (word > 0) - (word < 0)),
         shown(own) {}
   explicit IntegerView(mpz_srcptr integer) : shown(integer) {}
