@@ -1,5 +1,7 @@
 #include <benchmark/benchmark.h>
 
+#include <memory>
+#include <new>
 #include <type_traits>
 
 #include "benchmarks/peers.h"
@@ -62,6 +64,31 @@ struct Multiplied {
   template <class Q>
   static void assign(Q& r, Q const& a, Q const& b) {
     r = a, r *= b;
+  }
+};
+
+/// A new variable each time, in the place of the last.
+struct NewSum {
+  template <class Q>
+  static void assign(Q& r, Q const& a, Q const& b) {
+    std::destroy_at(&r);
+    ::new (&r) Q(a + b);
+  }
+  static void assign(Fmpq& r, Fmpq const& a, Fmpq const& b) {
+    std::destroy_at(&r);
+    fmpq_add(*::new (&r) Fmpq(), a, b);
+  }
+};
+
+struct NewProduct {
+  template <class Q>
+  static void assign(Q& r, Q const& a, Q const& b) {
+    std::destroy_at(&r);
+    ::new (&r) Q(a * b);
+  }
+  static void assign(Fmpq& r, Fmpq const& a, Fmpq const& b) {
+    std::destroy_at(&r);
+    fmpq_mul(*::new (&r) Fmpq(), a, b);
   }
 };
 
@@ -164,6 +191,8 @@ void enter_arithmetic() {
     enter_row<Less>(subject, "a < b", big);
     enter_row<Added>(subject, "r = a, r += b", big);
     enter_row<Multiplied>(subject, "r = a, r *= b", big);
+    enter_row<NewSum>(subject, "Q r(a + b)", big);
+    enter_row<NewProduct>(subject, "Q r(a * b)", big);
   }
 }
 

@@ -19,7 +19,8 @@ OURS = "zelk"
 # The headings of the report, the subjects below each by how they begin, and a word on the work.
 SECTIONS = [
     ("Arithmetic", ("Fractions", "Integers"),
-     "`r = a + b` reuses the variable `r`; `r = a, r += b` works in place on a copy. The operands "
+     "`r = a + b` reuses the variable `r`, which here costs a temporary and a copy; `r = a, r += b` "
+     "works in place on a copy; `Q r(a + b)` makes a new variable. The operands "
      "are random, of either sign: 1024 pairs of small ones, 64 of big ones."),
     ("Exponential, sine and pi", ("exp", "sin", "pi"),
      "Every evaluation starts with new objects and empty caches. The plain evaluation is the "

@@ -54,8 +54,8 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
     Integer before;
     series.last_term(last);
     mpz_sub(before, s, last);
-    QNumber const partial = series.reduced(s);
-    QNumber const partial_before = series.reduced(before);
+    QNumber const partial = series.reduced(s, 1);
+    QNumber const partial_before = series.reduced(before, 2);
     if (ascending) {
       Integer rest_before;
       mpz_sub(rest_before, d, last);
@@ -64,7 +64,7 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
               k};
     }
     mpz_add(rest, s, t);
-    QNumber const next = series.reduced(rest);
+    QNumber const next = series.reduced(rest, 0);
     if (k % 2 != 0) return {{next, partial}, {partial, partial_before}, k};
     return {{partial, next}, {partial_before, partial}, k};
   }
@@ -91,14 +91,15 @@ ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, boo
     mpz_abs(sine_error, series.term());
     series.last_term(cosine_error);
     mpz_abs(cosine_error, cosine_error);
-    auto const around = [&](mpz_srcptr centre, mpz_srcptr error) {
+    auto const around = [&](mpz_srcptr centre, mpz_srcptr error, unsigned missing) {
       Integer lower;
       Integer upper;
       mpz_sub(lower, centre, error);
       mpz_add(upper, centre, error);
-      return PowerSeriesApproximator::Bounds(series.reduced(lower), series.reduced(upper));
+      return PowerSeriesApproximator::Bounds(series.reduced(lower, missing),
+                                             series.reduced(upper, missing));
     };
-    return {around(series.sum(0), sine_error), around(series.sum(1), cosine_error),
+    return {around(series.sum(0), sine_error, 0), around(series.sum(1), cosine_error, 1),
             static_cast<int>(n)};
   }
 }

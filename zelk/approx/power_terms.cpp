@@ -7,7 +7,7 @@ namespace zelk::na {
 
 PowerTerms::PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
                        QNumber const& sum1)
-    : p(x.numerator()), q(x.denominator()), start(index) {
+    : p(x.numerator()), q(x.denominator()), j(index) {
   least_common_denominator(d, term, sum0, sum1);
   put_over(d, term, t);
   put_over(d, sum0, sums[0]);
@@ -38,15 +38,24 @@ void PowerTerms::last_term(mpz_ptr numerator) {
   mpz_mul(numerator, numerator, factor);
 }
 
-QNumber PowerTerms::reduced(mpz_srcptr numerator) {
-  Integer common, n, denominator;
-  if (mpz_sgn(cancellable.get()) == 0) {
-    mpz_pow_ui(common, q, j - start);
-    mpz_divexact(cancellable, d, common);
+QNumber PowerTerms::reduced(mpz_srcptr numerator, unsigned missing) const {
+  Integer n(numerator);
+  Integer denominator(d.get());
+  Integer common;
+  auto const cancel = [&] {
+    mpz_divexact(n, n, common);
+    mpz_divexact(denominator, denominator, common);
+  };
+  mpz_pow_ui(common, q, missing);
+  cancel();
+  mpz_primorial_ui(common, j);  // the product of all primes up to j
+  for (;;) {
+    mpz_gcd(common, common, n);
+    mpz_gcd(common, common, denominator);
+    if (mpz_cmp_ui(common.get(), 1) == 0) break;
+    cancel();
+    mpz_mul(common, common, common);  // a prime of x can occur often
   }
-  mpz_gcd(common, numerator, cancellable);
-  mpz_divexact(n, numerator, common);
-  mpz_divexact(denominator, d, common);
   return QNumber(QNumber::LowestTerms{n, denominator});
 }
 

@@ -13,13 +13,12 @@ namespace zelk::na {
 /// reduced to lowest terms before it is asked for as a number: a step costs a few passes over the
 /// digits.
 ///
-/// A prime r of q then cancels little, for its powers below T_0, T_1, ... go up: that below a sum
-/// is that below its last term T_m, m! q^m, and against j! q^j it lacks (j-m) powers of q and those
-/// in j!/m!. So for m >= j-2 and a start at 2 or later the q gained since then cannot cancel.
+/// What cancels at the end: below T_0, T_1, ... the powers of a prime of q go up, so that below a
+/// sum stands that of its last term T_m, which is that in m! q^m. So q^(j-m) cancels, and besides
+/// only primes up to j.
 class PowerTerms {
  public:
-  /// Starts with T_j = term for j = index. Requires: x is not 0 and outlives this object, the sums
-  /// end before T_j, index >= 2.
+  /// Starts with T_j = term for j = index. Requires: x is not 0 and outlives this object.
   PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
              QNumber const& sum1 = QNumber());
 
@@ -40,18 +39,16 @@ class PowerTerms {
   /// T_(j-1) = T_j j/x, over the denominator of T_j. Requires: advanced at least once.
   void last_term(mpz_ptr numerator);
 
-  /// numerator/denominator() in lowest terms. Requires: it is a sum of terms, the last of them T_j,
-  /// T_(j-1) or T_(j-2). Ends the series: there is no advance after it.
-  QNumber reduced(mpz_srcptr numerator);
+  /// numerator/denominator() in lowest terms. Requires: it is a sum of terms T_0, T_1, ..., each
+  /// with a sign, the last of them T_(j - missing).
+  QNumber reduced(mpz_srcptr numerator, unsigned missing) const;
 
  private:
   IntegerView p, q;  // x
-  unsigned const start;
-  unsigned j = start;
+  unsigned j;
   Integer t, d;
   std::array<Integer, 2> sums;
-  Integer factor;       // of the denominator, from T_(j-1) to T_j
-  Integer cancellable;  // at the end: the denominator without the q gained since `start`
+  Integer factor;  // of the denominator, from T_(j-1) to T_j
 };
 
 }  // namespace zelk::na
