@@ -1,6 +1,8 @@
 #pragma once
 
-/// zelk: exact rational numbers, and rational enclosures of exp, sin, cos and pi.
+/// \mainpage zelk
+///
+/// Exact rational numbers, and rational enclosures of exp, sin, cos and pi.
 ///
 /// True of everything here, and said once:
 /// - Every result is exact: a rational number, or two rationals with the true value between them.

@@ -45,7 +45,7 @@ TEST(Text, ReadsFractionsAndDecimalsExactly) {
 
 TEST(Text, RefusesEverythingElseAtItsColumn) {
   constexpr char digit[] = "expected a digit";
-  constexpr char zero[] = "the denominator is zero";
+  constexpr char zero[] = "zero denominator";
   constexpr char junk[] = "unexpected character";
   constexpr char exponent[] = "the exponent is beyond 1000000";
   struct {

@@ -12,6 +12,7 @@ namespace zelk::na {
 /// which is one division with remainder and an exchange.
 class Euclid {
  public:
+  /// Starts with q's numerator and denominator, in copies.
   explicit Euclid(QNumber const& q) : n(q.numerator()), d(q.denominator()) {}
 
   /// Whether nothing is left: n/d is 0.

@@ -6,6 +6,7 @@
 #include "zelk/approx/rational_approximator.h"
 #include "zelk/containers/hash_map.h"
 #include "zelk/containers/hasher.h"
+#include "zelk/export.h"
 #include "zelk/numbers/q_number.h"
 
 namespace zelk::na {
@@ -15,23 +16,28 @@ namespace zelk::na {
 ///
 /// Every answer is a pair (lower, upper) unless said otherwise, and is computed once: a repeated
 /// query is one lookup. Nothing is ever dropped from the caches.
-class PowerSeriesApproximator {
+class ZELK_EXPORT PowerSeriesApproximator {
  public:
+  /// (lower, upper) unless said otherwise.
   using Bounds = std::pair<QNumber, QNumber>;
 
   /// What one summation of exp or sin yields; the default is the record of no summation at all.
   struct ApproxData {
     ApproxData() = default;
+    /// A finished record.
     ApproxData(Bounds value, Bounds derivative, int index)
         : bounds(std::move(value)), der_bounds(std::move(derivative)), degree(index) {}
 
+    /// What the functions without and with `der` in their names answer.
     Bounds bounds;
     Bounds der_bounds;
+
     /// For exp the power of the first term that the partial sum leaves out, for sin the highest
     /// power in the polynomial; 0 at the point 0.
     int degree = -1;
   };
 
+  /// The tables of answers: by point and precision, and for pi by precision.
   using pair_hash_eq = hsh::pair_hash_eq;
   using SeriesCache =
       hsh::HashMap<std::pair<QNumber, unsigned>, ApproxData, pair_hash_eq, pair_hash_eq>;
@@ -45,8 +51,9 @@ class PowerSeriesApproximator {
   /// Cost: terms grow in number with |x| and prec; there is no range reduction.
   Bounds maclaurin_exp_bounds(QNumber const& x, unsigned prec);
 
-  /// The derivatives of the two bounding expressions of `maclaurin_exp_bounds`, each again a bound
-  /// of e^x. In the order of those bounds: for x < 0 the first is the greater.
+  /// The bounding expressions of `maclaurin_exp_bounds`, each sum and each term in them replaced by
+  /// its derivative, which is the one before it: again bounds of e^x, but prec does not bound their
+  /// width. In the order of those bounds: for x < 0 the first is the greater.
   Bounds maclaurin_exp_der_bounds(QNumber const& x, unsigned prec);
 
   /// sin x, less than 2 * 10^-prec wide: the Maclaurin polynomial, give or take the next power.

@@ -7,6 +7,7 @@
 #include "zelk/containers/hash_map.h"
 #include "zelk/containers/hasher.h"
 #include "zelk/containers/hashtable.h"
+#include "zelk/export.h"
 #include "zelk/numbers/q_number.h"
 
 namespace zelk::na {
@@ -16,19 +17,22 @@ namespace zelk::na {
 ///
 /// Precisions count terms, a0 included. Expansions and convergents are kept for as long as the
 /// approximator lives; neither is ever dropped or changed.
-class RationalApproximator {
+class ZELK_EXPORT RationalApproximator {
  public:
   /// A number, the terms of its expansion found so far, and what is still to expand: 0 once the
   /// expansion is complete, otherwise the complete quotient r with
   /// number = [a0; ..., a(k-1), r].
   struct ContinuedFraction {
+    /// Nothing expanded yet: all of q is left.
     explicit ContinuedFraction(QNumber const& q) : number(q), remainder(q) {}
 
+    /// As the record says: the number, the terms, and what is left after them.
     QNumber number;
     std::vector<QNumber> terms;
     QNumber remainder;
   };
 
+  /// The tables of convergents, by number and precision, and of expansions, by number.
   using pair_hash_eq = hsh::pair_hash_eq;
   using ApproxCache =
       hsh::HashMap<std::pair<QNumber, unsigned>, QNumber, pair_hash_eq, pair_hash_eq>;

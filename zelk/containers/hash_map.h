@@ -10,6 +10,7 @@ namespace zelk::hsh {
 /// The key of a map's entry: the first of the pair.
 template <class K, class V>
 struct GetKey_pair {
+  /// A reference into the entry.
   K const& operator()(std::pair<K, V> const& entry) const { return entry.first; }
 };
 

@@ -10,6 +10,7 @@
 
 namespace zelk {
 
+/// The hash of a key, as a function object.
 template <class Key>
 struct Hasher;
 
@@ -18,6 +19,7 @@ struct Hasher;
 /// its two forms, though they compare equal, and a table can come to hold both.
 template <>
 struct Hasher<QNumber> {
+  /// Cost: a few instructions for a small form, a pass over the limbs of a big one.
   std::uint64_t operator()(QNumber const& q) const {
     if (!q.is_big()) return of_words(q.small_numerator(), q.small_denominator());
     IntegerView const n = q.numerator();
@@ -41,32 +43,41 @@ struct Hasher<QNumber> {
 
 namespace hsh {
 
+/// The hash of a key that is no number.
 template <class Key>
 struct hash;
 
+/// The hash of a precision: the precision.
 template <>
 struct hash<unsigned> {
+  /// Returns the key.
   std::uint64_t operator()(unsigned key) const { return key; }
 };
 
 /// Hash and equality of a (number, precision) key: with one key it hashes, with two it compares.
 /// Numbers are equal by value, whatever their forms.
 struct pair_hash_eq {
+  /// A number and a precision.
   using Key = std::pair<QNumber, unsigned>;
 
   /// Stands in for a key in lookups, without a copy of the number. Hashes the number once, when it
   /// is made, for any number of lookups.
   struct View : std::pair<QNumber const&, unsigned> {
+    /// Requires: the number outlives the view, unchanged.
     View(QNumber const& number, unsigned precision)
         : pair(number, precision), number_hash(Hasher<QNumber>()(number)) {}
 
+    /// `Hasher<QNumber>` of the number.
     std::uint64_t number_hash;
   };
 
+  /// The hash of a key, or whether two are equal. The hash is the lower half of the number's above
+  /// the precision: small numbers with numerators from 0 to 2^32 - 1 and the same denominator have
+  /// the same, and meet in one chain.
   std::uint64_t operator()(Key const& key) const { return (*this)(View(key.first, key.second)); }
   bool operator()(Key const& a, Key const& b) const { return are_equal(a, b); }
 
-  // Templates, so that {number, precision} means a key.
+  /// The same of views. Templates, so that {number, precision} means a key.
   template <std::same_as<View> V>
   std::uint64_t operator()(V const& key) const {
     return key.number_hash << 32 | key.second;

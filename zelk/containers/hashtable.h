@@ -23,22 +23,27 @@ namespace zelk::hsh {
 template <class Value, class GetKey, class Key, class Hash, class Eq>
 class Hashtable {
  public:
+  /// A node: an entry, and the next node of its chain or null.
   struct Bucket {
+    /// Set by the table; `hash`, the key's, once the node is in a chain.
     Bucket* next;
     Value value;
-    std::uint64_t hash;  // of the key, once the node is in a chain
+    std::uint64_t hash;
   };
 
   /// The result of a lookup; `node` is null at the end. Two are equal when their nodes are.
   struct iterator {
+    /// The array of chains and its length when the lookup was made, the entry's chain, its node.
     std::vector<Bucket*>* table_buckets;
     std::size_t bucket_count;
     std::size_t index;
     Bucket* node;
 
+    /// Whether both have the same node, or both none.
     friend bool operator==(iterator const& a, iterator const& b) { return a.node == b.node; }
   };
 
+  /// Empty, with the first of `primes` for its bucket count.
   Hashtable() : buckets(primes.front(), nullptr) {}
   Hashtable(Hashtable const&) = delete;
   Hashtable& operator=(Hashtable const&) = delete;
@@ -48,6 +53,7 @@ class Hashtable {
       while (head != nullptr) pool.free(std::exchange(head, head->next));
   }
 
+  /// What a lookup returns that finds nothing.
   iterator end() { return at(buckets.size(), nullptr); }
 
   /// The entry with key k, or the end. An empty table answers without hashing.
@@ -126,6 +132,7 @@ class Hashtable {
     }
   }
 
+  /// The numbers of entries and of chains.
   std::size_t size() const { return count; }
   std::size_t bucket_count() const { return buckets.size(); }
 

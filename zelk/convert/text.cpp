@@ -56,8 +56,7 @@ class Scanner {
   std::string_view nonzero_digits() {
     auto const start = position;
     auto const found = digits();
-    if (found.find_first_not_of('0') == std::string_view::npos)
-      refuse(start, "the denominator is zero");
+    if (found.find_first_not_of('0') == std::string_view::npos) refuse(start, "zero denominator");
     return found;
   }
 
@@ -102,7 +101,8 @@ void append(std::string& text, mpz_srcptr n) {
 ParseError::ParseError(std::string_view text, std::size_t column, std::string_view reason)
     : std::invalid_argument('"' + excerpt(text, column) + "\": column " + std::to_string(column) +
                             ": " + std::string(reason)),
-      offending_column(column) {}
+      offending_column(column),
+      reason_length(reason.size()) {}
 
 QNumber parse_rational(std::string_view text) {
   Scanner scanner(text);

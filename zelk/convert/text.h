@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "zelk/export.h"
 #include "zelk/numbers/q_number.h"
 
 /// Values in and out of the library.
@@ -17,15 +18,23 @@ inline constexpr long max_decimal_exponent = 1'000'000;
 /// The refusal of a text that is not a rational. `what()` names the text (shortened when long, its
 /// unprintable bytes written as `\x..`), the column and the reason: `"1/-2": column 3: expected a
 /// digit`.
-class ParseError : public std::invalid_argument {
+class ZELK_EXPORT ParseError : public std::invalid_argument {
  public:
   /// `column` counts bytes from 1; it is one past the end of `text` where text is missing.
   ParseError(std::string_view text, std::size_t column, std::string_view reason);
 
+  /// The byte of the text, counted from 1, at which it was refused.
   std::size_t column() const noexcept { return offending_column; }
+
+  /// The reason alone, good as long as this object.
+  std::string_view reason() const noexcept {
+    std::string_view const all = what();
+    return all.substr(all.size() - reason_length);
+  }
 
  private:
   std::size_t offending_column;
+  std::size_t reason_length;
 };
 
 /// The exact value of a fraction or a decimal of any length.
@@ -39,12 +48,12 @@ class ParseError : public std::invalid_argument {
 ///
 /// Cost: subquadratic in the length of the text and the magnitude of the exponent, memory linear.
 /// Throws: ParseError at the first offending column.
-QNumber parse_rational(std::string_view text);
+ZELK_EXPORT QNumber parse_rational(std::string_view text);
 
 /// `q` in lowest terms with a positive denominator, as in `25/18`, `-7/2`, `12`; `parse_rational`
 /// reads it back.
 ///
 /// Cost: subquadratic in the length of the result.
-std::string to_string(QNumber const& q);
+ZELK_EXPORT std::string to_string(QNumber const& q);
 
 }  // namespace zelk::convert

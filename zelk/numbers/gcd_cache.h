@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelk/export.h"
+
 namespace zelk {
 
 /// The largest integer that has a row and a column in `gcd_cache`.
@@ -7,12 +9,12 @@ inline constexpr long gcd_cache_limit = 1023;
 
 /// Process-wide memo of small gcds: `gcd_cache[a][b]` is gcd(a, b), or 0 while nobody has asked.
 /// All zero before any code runs, symmetric, only ever filled; a host may read it and add entries.
-extern long gcd_cache[gcd_cache_limit + 1][gcd_cache_limit + 1];
+ZELK_EXPORT extern long gcd_cache[gcd_cache_limit + 1][gcd_cache_limit + 1];
 
 namespace detail {
 
 /// Enters gcd(a, b) in both orders. Requires: 0 <= a <= gcd_cache_limit, 1 <= b <= gcd_cache_limit.
-[[gnu::noinline, gnu::cold]] void remember_gcd(long a, long b);
+ZELK_EXPORT [[gnu::noinline, gnu::cold]] void remember_gcd(long a, long b);
 
 /// gcd(a, b) by Euclid's algorithm, which ends early at the first pair the table already knows and
 /// enters every pair inside the table that it passes, so that a later walk over the same remainders

@@ -11,6 +11,7 @@ namespace zelk {
 /// Requires: what it was made from outlives it unchanged. Costs no allocation and no GMP call.
 class IntegerView {
  public:
+  /// Of a machine word, or of a GMP integer, which is not copied.
   explicit IntegerView(long word)
       : limb(word < 0 ? ~static_cast<mp_limb_t>(word) + 1 : static_cast<mp_limb_t>(word)),
         own MPZ_ROINIT_N(&limb, (word > 0) - (word < 0)),
@@ -21,6 +22,7 @@ class IntegerView {
   IntegerView& operator=(IntegerView const&) = delete;
   ~IntegerView() = default;
 
+  /// As GMP's functions take it; `->` reaches the fields, which its macros read.
   mpz_srcptr get() const { return shown; }
   operator mpz_srcptr() const { return shown; }
   mpz_srcptr operator->() const { return shown; }

@@ -20,6 +20,7 @@ inline std::uint64_t bits_below(mpz_srcptr n, mp_size_t size, int unused) {
 /// Decides most comparisons of products without forming them.
 class LeadingBits {
  public:
+  /// Of |n|. Requires: n is not 0.
   explicit LeadingBits(mpz_srcptr n) {
     auto const size = static_cast<mp_size_t>(mpz_size(n));
     int const unused = __builtin_clzl(mpz_getlimbn(n, size - 1));
@@ -27,6 +28,7 @@ class LeadingBits {
     exponent = 64 * size - unused - 63;
   }
 
+  /// Of the product. Requires: a and b stand for at most three integers together.
   friend LeadingBits operator*(LeadingBits const& a, LeadingBits const& b) {
     Wide const product = static_cast<Wide>(a.mantissa) * b.mantissa;
     int const shift = 62 + static_cast<int>(product >> 125);

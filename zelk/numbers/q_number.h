@@ -8,6 +8,7 @@
 
 #include <gmp.h>
 
+#include "zelk/export.h"
 #include "zelk/numbers/gcd_cache.h"
 #include "zelk/numbers/integer_view.h"
 
@@ -33,13 +34,14 @@ static_assert(GMP_NUMB_BITS == 64, "zelk needs a GMP with 64-bit limbs and no na
 /// Zero denominators, division by zero and the inverse of zero are the caller's to avoid; debug
 /// builds assert. When a block cannot be had, `std::bad_alloc` is thrown and the target keeps its
 /// value. GMP ends the process when it cannot get memory for the digits themselves.
-class QNumber {
+class ZELK_EXPORT QNumber {
  public:
   /// Scratch for the big forms, never holding anything from one operation to the next, so a host
   /// may use them between calls too. Ready before any other object of the program is initialised
   /// and never released: numbers at namespace scope work in any translation unit.
   static mpz_t gmp_tmp[4];
 
+  /// 0.
   QNumber() : num(0), den(1) {}
 
   /// n/1, without any gcd. In big form only for -2^63.
@@ -81,6 +83,7 @@ class QNumber {
 
   /// A fraction with coprime parts and a positive denominator.
   struct LowestTerms {
+    /// Not owned: read when a number is made of them.
     mpz_srcptr numerator;
     mpz_srcptr denominator;
   };
@@ -91,6 +94,7 @@ class QNumber {
     assert(mpz_sgn(fraction.denominator) > 0);
   }
 
+  /// In other's form; a copy in big form owns a block of its own.
   QNumber(QNumber const& other) : num(other.num), den(other.den) {
     if (den == 0) [[unlikely]]
       clone_block();
@@ -101,6 +105,7 @@ class QNumber {
       release_block();
   }
 
+  /// Takes other's value. In small form afterwards only if both were.
   QNumber& operator=(QNumber const& other) {
     if (is_small_with(other)) [[likely]] {
       num = other.num;
@@ -111,8 +116,13 @@ class QNumber {
     return *this;
   }
 
+  /// Whether the number is in big form.
   bool is_big() const { return den == 0; }
+
+  /// Whether the value is 0.
   bool is_zero() const { return sign() == 0; }
+
+  /// Whether the value is an integer.
   bool is_integer() const { return den == 1 || (den == 0 && has_big_unit_denominator()); }
 
   /// -1, 0 or 1.
@@ -170,6 +180,7 @@ class QNumber {
     return result;
   }
 
+  /// Changes the sign, in place and in the same form.
   void negate() {
     if (den == 0) [[unlikely]]
       mpz_neg(block()->numerator, block()->numerator);
@@ -203,12 +214,15 @@ class QNumber {
     return {whole};
   }
 
+  /// By value, whatever the forms.
   friend bool operator==(QNumber const& a, QNumber const& b) {
     if (!a.is_small_with(b)) [[unlikely]]
       return equal_big(a, b);
     return a.num == b.num && a.den == b.den;
   }
 
+  /// By value, whatever the forms. Cost: for big forms a look at the leading bits nearly always,
+  /// two products when those agree.
   friend bool operator<(QNumber const& a, QNumber const& b) {
     if (!a.is_small_with(b)) [[unlikely]]
       return less_big(a, b);
@@ -365,6 +379,7 @@ class QNumber {
 
 static_assert(sizeof(QNumber) == 16);
 
+/// The same functions again, as names in the namespace: `zelk::abs(q)` finds them too.
 QNumber operator+(QNumber const& a, QNumber const& b);
 QNumber operator-(QNumber const& a, QNumber const& b);
 QNumber operator*(QNumber const& a, QNumber const& b);

@@ -1,0 +1,121 @@
+#include "zelk/convert/stream.h"
+
+#include <gtest/gtest.h>
+
+#include <iomanip>
+#include <iterator>
+#include <locale>
+#include <sstream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+
+#include "zelk/convert/text.h"
+
+namespace zelk::convert {
+namespace {
+
+/// Groups digits and writes the decimal point as a comma.
+class Grouping : public std::numpunct<char> {
+  char do_thousands_sep() const override { return '.'; }
+  char do_decimal_point() const override { return ','; }
+  std::string do_grouping() const override { return "\3"; }
+};
+
+std::locale grouping() { return {std::locale::classic(), new Grouping}; }
+
+TEST(Stream, WritesPaddedTextWhateverTheLocale) {
+  struct {
+    char const* number;
+    std::ios_base& (*adjustment)(std::ios_base&);
+    char const* padded;
+  } const table[] = {
+      {"-22/7", std::right, "***-22/7"},      {"-22/7", std::left, "-22/7***"},
+      {"-22/7", std::internal, "-***22/7"},   {"22/7", std::internal, "****22/7"},
+      {"1234567/2", std::right, "1234567/2"}, {"-12345678", std::internal, "-12345678"},
+      {"0", std::internal, "*******0"},
+  };
+  for (auto const& [number, adjustment, padded] : table) {
+    std::ostringstream out;
+    out.imbue(grouping());
+    QNumber const q = parse_rational(number);
+    out << std::hex << std::showpos << adjustment << std::setfill('*') << std::setw(8) << q << '|'
+        << q;
+    EXPECT_EQ(out.str(), padded + ('|' + to_string(q)));
+  }
+}
+
+TEST(Stream, ReadsAsFarAsANumberGoes) {
+  struct {
+    char const* input;
+    char const* number;  // null where none is read
+    char const* rest;
+  } const table[] = {
+      {"415/93", "415/93", ""},    {" \t\n-7/2 8", "-7/2", " 8"},
+      {"1/2,3/4", "1/2", ",3/4"},  {"1/2-3", "1/2", "-3"},
+      {"1/2/3", "1/2", "/3"},      {"1/2.5", "1/2", ".5"},
+      {"1/2e5", "1/2", "e5"},      {"1.5.2", "3/2", ".2"},
+      {"1.5/2", "3/2", "/2"},      {"1.5E+3e", "1500", "e"},
+      {"1e-3.5", "1/1000", ".5"},  {"1e5/2", "100000", "/2"},
+      {"12x", "12", "x"},          {"1.234.567", "617/500", ".567"},
+      {"1,5", "1", ",5"},          {"9223372036854775808)", "9223372036854775808", ")"},
+      {"", nullptr, ""},           {"  ", nullptr, ""},
+      {"x", nullptr, "x"},         {"+5", nullptr, "+5"},
+      {".5", nullptr, ".5"},       {"/5", nullptr, "/5"},
+      {"e5", nullptr, "e5"},       {"--5", nullptr, "-5"},
+      {"-e5", nullptr, "e5"},      {"1/-2", nullptr, "-2"},
+      {"1/ 2", nullptr, " 2"},     {"1.e5", nullptr, "e5"},
+      {"1.5each", nullptr, "ach"}, {"1e++5", nullptr, "+5"},
+      {"1/0 ", nullptr, " "},      {"1e1000001;", nullptr, ";"},
+  };
+  for (auto const& [input, number, rest] : table) {
+    std::istringstream in(input);
+    in.imbue(grouping());
+    QNumber q(-3, 5);
+    in >> std::setw(1) >> q;
+    EXPECT_EQ(!in.fail(), number != nullptr) << input;
+    EXPECT_FALSE(in.bad()) << input;
+    EXPECT_EQ(in.eof(), *rest == '\0') << input;
+    EXPECT_EQ(to_string(q), number == nullptr ? "-3/5" : number) << input;
+    in.clear();
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), rest) << input;
+  }
+  std::istringstream in(" 5");
+  QNumber q(-3, 5);
+  EXPECT_FALSE(in >> std::noskipws >> q);
+  EXPECT_EQ(to_string(q), "-3/5");
+}
+
+/// Yields its text and then breaks.
+class Breaking : public std::streambuf {
+ public:
+  explicit Breaking(std::string& text) {
+    setg(text.data(), text.data(), text.data() + text.size());
+  }
+
+ private:
+  int_type underflow() override { throw std::runtime_error("broken"); }
+};
+
+TEST(Stream, ReportsABrokenBufferAsTheStreamIsTold) {
+  std::string text = "12";
+  QNumber q(-3, 5);
+  for (bool const loud : {false, true}) {
+    Breaking buffer(text);
+    std::istream in(&buffer);
+    if (loud) {
+      in.exceptions(std::ios_base::badbit);
+      EXPECT_THROW(in >> q, std::runtime_error);
+    } else {
+      EXPECT_NO_THROW(in >> q);
+    }
+    EXPECT_TRUE(in.bad());
+    EXPECT_EQ(to_string(q), "-3/5");
+  }
+  std::istringstream in("1/0");
+  in.exceptions(std::ios_base::failbit);
+  EXPECT_THROW(in >> q, std::ios_base::failure);
+}
+
+}  // namespace
+}  // namespace zelk::convert

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <stdexcept>
+
+#include <gmp.h>
+
+#include "zelk/numbers/integer_view.h"
+#include "zelk/numbers/q_number.h"
+
+/// Values from and to GMP's own types, for programs in which both live. Targets come first and are
+/// initialised already, as everywhere in GMP; nothing is shared afterwards.
+namespace zelk::convert {
+
+/// `n`, in small form if it fits.
+inline QNumber from_mpz(mpz_srcptr n) { return QNumber::from_mpz(n, IntegerView(1)); }
+
+/// The value of `q`, in small form if it fits. The fraction need not be canonical: common factors
+/// and a negative denominator are fine.
+///
+/// Throws: std::invalid_argument when the denominator is zero.
+inline QNumber from_mpq(mpq_srcptr q) {
+  if (mpz_sgn(mpq_denref(q)) == 0) throw std::invalid_argument("zero denominator");
+  return QNumber::from_mpz(mpq_numref(q), mpq_denref(q));
+}
+
+/// Assigns the integer that `q` is. There is no rounding: that of quotients is `mpz_fdiv_q` and its
+/// kin, which take `q.numerator()` and `q.denominator()`.
+///
+/// Throws: std::invalid_argument when q is not an integer; the target is then as it was.
+inline void to_mpz(mpz_ptr target, QNumber const& q) {
+  if (!q.is_integer()) throw std::invalid_argument("the number is not an integer");
+  mpz_set(target, q.numerator());
+}
+
+/// Assigns `q`, canonical.
+inline void to_mpq(mpq_ptr target, QNumber const& q) {
+  mpz_set(mpq_numref(target), q.numerator());
+  mpz_set(mpq_denref(target), q.denominator());
+}
+
+}  // namespace zelk::convert
