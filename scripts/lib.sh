@@ -17,9 +17,9 @@ usage() { sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$0"; }
 # What a task needs, as DEBIAN-PACKAGE:HEADER or DEBIAN-PACKAGE:COMMAND. A need is recognised by the
 # thing itself rather than by its package, so that other systems and own installations serve as well.
 needs_command=(g++:"${CXX:-c++}" cmake:cmake ninja-build:ninja libgmp-dev:gmp.h
-  libcli11-dev:CLI/CLI.hpp)
+  libcli11-dev:CLI/CLI.hpp nlohmann-json3-dev:nlohmann/json.hpp)
 needs_test=("${needs_command[@]}" libgmp-dev:gmpxx.h libmpfr-dev:mpfr.h
-  libgtest-dev:gtest/gtest.h)
+  libgtest-dev:gtest/gtest.h pkg-config:pkg-config)
 # With what its sanitizers need: the header comes with their runtime library.
 needs_clang=(clang:clang++ libclang-rt-dev:fuzzer/FuzzedDataProvider.h)
 

@@ -10,6 +10,7 @@ rows=0
 failures=0
 
 plainly() { "$zelk" "$@"; }
+fed() { "$zelk" "$@" <"$scratch/queries"; }
 unheard() { "$zelk" "$@" >&-; }
 cramped() (ulimit -v "$memory" && exec "$zelk" "$@")
 
@@ -72,8 +73,21 @@ approx --upper 415/93 2 => 9/2
 approx 415/93 4294967295 => 415/93
 approx --lower -415/93 1 => -9/2
 approx 5 0 => 5
+convergents 415/93 => 4 < 43/93\n9/2 > 7/186\n58/13 < 1/1209\n415/93 = 0
+convergents --terms 1 -7/2 --format both => -3 > 1/2 -3.00000000000000000000 0.50000000000000000000
+convergents 0 => 0 = 0
 exp 0 7 => 1\n1
 sin 0 7 => 0\n0
+cos 0 7 --derivative => 0\n0
+approx 415/93 2 --format decimal --digits-out 3 => 4.500
+exp -1/2 2 --format both --digits-out 3 => 29/48\n233/384\n[0.604, 0.607]
+exp --format decimal 0 1 => [=1.000, =1.000]
+cf 415/93 --terms=2 --json => {"query":"cf 415/93 --terms 2","terms":["4","2"]}
+--json cf 0 => {"query":"cf 0","terms":["0"]}
+approx --upper -7/2 1 --json => {"query":"approx -7/2 1 --upper","value":{"numerator":"-3","denominator":"1"}}
+exp -1/2 2 --json => {"query":"exp -1/2 2","lower":{"numerator":"29","denominator":"48"},"upper":{"numerator":"233","denominator":"384"}}
+sin 0 1 --json --format decimal => {"query":"sin 0 1","lower":{"numerator":"0","denominator":"1","decimal":"0.000"},"upper":{"numerator":"0","denominator":"1","decimal":"0.000"}}
+convergents --terms 1 415/93 --json => {"query":"convergents 415/93 --terms 1","convergents":[{"value":{"numerator":"4","denominator":"1"},"side":"<","distance":{"numerator":"43","denominator":"93"}}]}
 TABLE
 
 # QUESTION => TRUTH WIDTH [descending]
@@ -89,6 +103,9 @@ exp -7/2 7 => 0.030197383422318501 1e-7
 exp --derivative -3.5 5 => 0.030197383422318501 1e-1 descending
 sin 1/2 9 => 0.47942553860420300 2e-9
 sin -3 5 --derivative => -0.98999249660044545 1e-1
+cos 1/2 9 => 0.87758256189037271 2e-9
+cos 100 3 => 0.86231887228768393 2e-3
+cos -3 5 --derivative => 0.14112000805986722 2e-5
 pi 8 => 3.1415926535897932 1e-8
 TABLE
 
@@ -102,6 +119,12 @@ while IFS= read -r row; do
   expect mentions err "$fragment"
 done <<'TABLE'
 approx 415/93 0 => 1 approx 415/93 0
+exp 1 100001 => 1 100001 digits are more than --max-digits 100000
+exp 1 20 --max-digits 19 => 1 20 digits are more than --max-digits 19
+exp 1e9 3 => 1 would take about
+sin -1e1000000 3 => 1 would take about
+pi 10000 => 1 would take about
+cf 1e9999 --max-bits 1000 => 1 would take about
  => 2 A subcommand is required
 log 2 5 => 2 log
 cf => 2 Q is required
@@ -110,7 +133,13 @@ cf 1 ++ => 2 unexpected argument: ++
 cf 1 --bogus => 2 --bogus
 cf -.5 => 2 unexpected argument: -.5
 cf '' => 2 "": column 1
-cf 1/0 => 2 "1/0": column 3: the denominator is zero
+cf 1/0 => 2 "1/0": column 3: zero denominator
+cf 1 --format roman => 2 roman
+cf 1 --digits-out 100001 => 2 --digits-out 100001 is more than --max-digits 100000
+cf 1 --max-bits many => 2 "many": expected a whole number
+plot exp => 2 --output is required
+plot exp -o x.svg --from 2 --to 1 => 2 the range from 2 to 1 is empty
+plot exp -o x.svg --points 1 => 2 --points 1
 cf 1 --terms 0 => 2 --terms 0
 cf 1 --terms -2 => 2 "-2": a count cannot be negative
 cf 1 --terms 2 --terms 3 => 2 --terms
@@ -128,7 +157,7 @@ while IFS= read -r row; do
   expect silent err
   expect mentions out "${row#* => }"
 done <<'TABLE'
---version => zelk 
+--version => , GMP 
 --help => zelk cf 415/93
 cf --help => --terms N
 exp --help => the larger comes first if X < 0
@@ -137,9 +166,84 @@ TABLE
 
 for row in 'pi 5' --help --version; do
   ask "$row" unheard
-  expect exits 1
+  expect exits 3
   expect mentions err 'cannot write to standard output'
 done
+
+# Everything that --help tells stands in the manual page too.
+ask --man-page
+expect exits 0
+tr -d '\\' <"$scratch/out" >"$scratch/manual"
+for command in '' cf approx convergents exp sin cos pi batch plot 'plot exp' 'plot convergents'; do
+  ask "$command --help"
+  for option in $(grep -o -e '--[a-z-]*' "$scratch/out" | grep -vxF -e --help); do
+    expect grep -qF -e "$option" "$scratch/manual"
+  done
+done
+ask --bash-completion
+expect exits 0
+expect bash -n "$scratch/out"
+
+cat >"$scratch/queries" <<'QUERIES'
+exp 0 3
+# a comment, and a blank line
+
+  cf 415/93   # [4; 2, 6, 7]
+cf 1/0
+approx 415/93 --lower 2
+exp 0 3
+log 3
+sin 1 2 3
+exp 1
+cf 1 --terms
+pi 99999999999
+exp 1e9 3
+convergents 415/93 --terms=2
+QUERIES
+sed -i '6s/$/\r/' "$scratch/queries"
+batch="batch '$scratch/queries'"
+complaints() { sed "s|^zelk: $scratch/queries:||" "$scratch/err" | cmp -s - <(printf '%b\n' "$1"); }
+
+ask "$batch"
+expect exits 1
+expect printed '1 1\n[4; 2, 6, 7]\n58/13\n1 1\n4 < 43/93; 9/2 > 7/186'
+expect complaints "5:6: zero denominator
+8:1: not a function; there are cf, approx, convergents, exp, sin, cos, pi
+9:9: unexpected argument
+10:6: DIGITS is missing
+11:13: --terms needs a value
+12:4: a count is at most 4294967295
+13:1: would take about 7.6e+11 bits, more than --max-bits 4000000000"
+ask "$batch --fail-fast"
+expect exits 1
+expect printed '1 1\n[4; 2, 6, 7]'
+ask "$batch --json --fail-fast"
+expect printed '{"line":1,"query":"exp 0 3","lower":{"numerator":"1","denominator":"1"},"upper":{"numerator":"1","denominator":"1"}}
+{"line":4,"query":"cf 415/93","terms":["4","2","6","7"]}
+{"line":5,"query":"cf 1/0","error":{"column":6,"message":"zero denominator"}}'
+ask 'batch --stats -' fed
+expect exits 1
+expect mentions err '12 queries, 1 of them repeated, 7 refused'
+ask 'batch /nowhere/at/all'
+expect exits 3
+expect mentions err 'cannot read /nowhere/at/all: No such file'
+ask "batch '$scratch'"
+expect exits 3
+expect mentions err 'Is a directory'
+
+# Whoever stops reading is told nothing; whoever asks line by line is answered line by line.
+yes 'cf 415/93' | "$zelk" batch 2>"$scratch/err" | head -1 >"$scratch/out" || true
+question='a pipe that closes'
+expect printed '[4; 2, 6, 7]'
+expect silent err
+coproc "$zelk" batch
+for digits in 1 2; do
+  echo "exp 0 $digits" >&"${COPROC[1]}"
+  read -r -t 20 line <&"${COPROC[0]}"
+  expect test "$line" = '1 1'
+done
+exec {COPROC[1]}>&-
+wait
 
 # Memory, in KiB, is scarce only where the limit is kept; and the command, unlike one that carries
 # sanitizers, has to start within it.
@@ -149,7 +253,7 @@ if ((status != 0)); then
   memory=60000
   ask --version cramped
   if ((status == 0)); then
-    ask 'exp 1e1000000 5' cramped
+    ask 'pi 1400' cramped
     expect exits 1
     expect silent out
     expect mentions err 'not enough memory'

@@ -1,0 +1,130 @@
+#include "cli/batch.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <new>
+#include <string_view>
+#include <system_error>
+#include <unordered_map>
+
+#include "cli/solver.h"
+#include "cli/terminal.h"
+
+namespace zelk::cli {
+namespace {
+
+constexpr std::string_view blanks = " \t\r";
+
+/// What counts of a line.
+Word stripped(std::string_view line) {
+  line = line.substr(0, line.find('#'));
+  auto const first = std::min(line.find_first_not_of(blanks), line.size());
+  return {line.substr(first, line.find_last_not_of(blanks) + 1 - first), first + 1};
+}
+
+struct TextHash : std::hash<std::string_view> {
+  using is_transparent = void;
+};
+
+class Batch {
+ public:
+  Batch(std::string input_name, BatchOptions const& batch_options, Settings const& answer_settings)
+      : name(std::move(input_name)), options(batch_options), settings(answer_settings) {}
+
+  bool run(std::istream& input) {
+    auto const begin = std::chrono::steady_clock::now();
+    Progress progress;
+    for (std::string line; std::getline(input, line);) {
+      ++number;
+      progress.show(number, repeated);
+      if (Word const query = stripped(line); !query.text.empty()) answer(query);
+      if (refused != 0 && options.fail_fast) break;
+      // Whoever feeds a pipe line by line may be waiting for the answer.
+      if (input.rdbuf()->in_avail() <= 0) flush_output();
+    }
+    if (input.bad()) throw std::system_error(errno, std::generic_category(), "cannot read " + name);
+    flush_output();
+    if (options.stats) {
+      std::chrono::duration<double> const took = std::chrono::steady_clock::now() - begin;
+      char text[128];
+      std::snprintf(text, sizeof text, "%zu queries, %zu of them repeated, %zu refused, %.2f s",
+                    queries, repeated, refused, took.count());
+      complain(text);
+    }
+    return refused == 0;
+  }
+
+ private:
+  void answer(Word const& query) {
+    ++queries;
+    if (auto const known = finished.find(query.text); known != finished.end()) {
+      ++repeated;
+      put(known->second);
+      return;
+    }
+    try {
+      put(finished.emplace(query.text, compute(query.text)).first->second);
+    } catch (Refusal const& refusal) {
+      refuse(query, refusal);
+    } catch (std::bad_alloc const&) {
+      refuse(query, {Refusal::Kind::unanswerable, 1, "not enough memory", "not enough memory"});
+    }
+  }
+
+  std::string compute(std::string_view text) {
+    Query const query = parse_query(split_query(text));
+    settings.limits.check(query);
+    Answer const answer = solver.answer(query);
+    if (settings.style.json) return dump(to_json(text, query, answer, settings.style)) + '\n';
+    return to_text(query, answer, settings.style, " ", "; ") + '\n';
+  }
+
+  void refuse(Word const& query, Refusal refusal) {
+    ++refused;
+    refusal.column += query.column - 1;
+    if (settings.style.json) put(dump(to_json(query.text, refusal)) + '\n');
+    complain(name + ':' + std::to_string(number) + ':' + std::to_string(refusal.column) + ": " +
+             refusal.reason);
+  }
+
+  /// An object also tells its line.
+  void put(std::string_view text) const {
+    if (settings.style.json) {
+      print("{\"line\":" + std::to_string(number) + ',');
+      text.remove_prefix(1);
+    }
+    print(text);
+  }
+
+  std::string name;
+  BatchOptions const& options;
+  Settings const& settings;
+  Solver solver;
+  // All finished answers by the text of their query: a repeated one is one lookup, whatever the
+  // tables of the library make of its point.
+  std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> finished;
+  std::size_t number = 0;  // of the line
+  std::size_t queries = 0;
+  std::size_t repeated = 0;
+  std::size_t refused = 0;
+};
+
+}  // namespace
+
+bool run_batch(BatchOptions const& options, Settings const& settings) {
+  if (options.file == "-") {
+    std::ios::sync_with_stdio(false);
+    return Batch("-", options, settings).run(std::cin);
+  }
+  errno = 0;
+  std::ifstream file(options.file);
+  if (!file) throw std::system_error(errno, std::generic_category(), "cannot read " + options.file);
+  return Batch(options.file, options, settings).run(file);
+}
+
+}  // namespace zelk::cli

@@ -1,0 +1,247 @@
+#include "cli/command_line.h"
+
+#include <gmp.h>
+
+#include <algorithm>
+#include <climits>
+#include <map>
+#include <string_view>
+
+#include "cli/manual.h"
+#include "cli/solver.h"
+#include "cli/terminal.h"
+
+namespace zelk::cli {
+namespace {
+
+constexpr char epilogue[] =
+    "Examples:\n"
+    "  zelk cf 415/93        [4; 2, 6, 7]\n"
+    "  zelk approx 415/93 2  9/2\n"
+    "  zelk exp -7/2 20      two fractions with e^(-7/2) between them\n"
+    "Numbers are fractions or decimals and always exact: 415/93  -7/2  12  3.25  -1.5e-3\n"
+    "Exit status: 0 all answered, 1 some query not answered, 2 wrong usage,\n"
+    "3 something cannot be read or written.";
+
+CLI::Option* add_flag(CLI::App& to, std::string const& name, bool& flag,
+                      std::string const& description) {
+  return to.add_flag(name, flag, description)->disable_flag_override();
+}
+
+CLI::Option* add_option(CLI::App& to, std::string const& name, std::string& text,
+                        std::string const& type, std::string const& description) {
+  return to.add_option(name, text, description)->type_name(type);
+}
+
+}  // namespace
+
+CommandLine::CommandLine() {
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("zelk " ZELK_VERSION ", GMP ") + gmp_version,
+                       "Print the versions and exit");
+  app.get_formatter()->label("REQUIRED", "");
+  app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app.get_formatter()->label("Subcommands", "Commands");
+  app.footer(epilogue);
+
+  static std::map<std::string, Format> const formats = {
+      {"fraction", Format::fraction}, {"decimal", Format::decimal}, {"both", Format::both}};
+  app.add_option("--format", settings.style.format,
+                 "How numbers are printed: fraction (the default), decimal or both;\n"
+                 "decimal bounds are rounded outward")
+      ->transform(CLI::CheckedTransformer(formats).description(""))
+      ->type_name("FORMAT");
+  add_option(app, "--digits-out", places, "N",
+             "Decimal places to print, by default DIGITS + 2, or 20");
+  add_flag(app, "--json", settings.style.json, "Print each answer as a JSON object on one line");
+  add_option(app, "--max-digits", max_digits, "N",
+             "Refuse queries for more DIGITS, by default 100000");
+  add_option(app, "--max-bits", max_bits, "N",
+             "Refuse queries that would take more bits of memory,\nby default 4000000000");
+  app.add_flag("--man-page")->group("");
+  app.add_flag("--bash-completion")->group("");
+
+  add_queries();
+  add_batch();
+  add_plots();
+}
+
+CLI::App& CommandLine::add_query(Function function, std::string const& description,
+                                 std::string const& examples) {
+  auto const& signature = signature_of(function);
+  auto* const query = app.add_subcommand(std::string(signature.name), description);
+  query->footer("Examples:\n" + examples);
+  query->fallthrough();
+  query->callback([this, function] { status = answer(function); });
+  // CLI11 takes a dash and a digit for an option only if some option is named by that digit. None
+  // is, so negative numbers pass as plain arguments in any place.
+  if (!signature.number.empty())
+    add_option(*query, std::string(signature.number), number, "", "A fraction or decimal")
+        ->required();
+  if (!signature.count.empty())
+    add_option(*query, std::string(signature.count), count, "",
+               signature.count == "TERMS" ? "How many terms, at least 1 unless Q is an integer"
+                                          : "Decimal digits: the tolerance is 10^-DIGITS")
+        ->required();
+  if (signature.takes_terms) add_option(*query, "--terms", terms, "N", "Only the first N");
+  return *query;
+}
+
+void CommandLine::add_queries() {
+  add_query(Function::cf, "The continued fraction of Q",
+            "  zelk cf 415/93            [4; 2, 6, 7]\n"
+            "  zelk cf 415/93 --terms 2  [4; 2]\n"
+            "A negative fraction whose parts fit in 64 bits is split toward zero, -7/2 into\n"
+            "[-3; -2]; of one that does not fit all terms but the first are positive.");
+  auto& approx =
+      add_query(Function::approx, "The convergent of Q after TERMS terms of its continued fraction",
+                "  zelk approx 415/93 2          9/2\n"
+                "  zelk approx 415/93 2 --lower  58/13");
+  add_flag(approx, "--lower", lower, "The first one from there on that is at most Q")
+      ->excludes(
+          add_flag(approx, "--upper", upper, "The first one from there on that is at least Q"));
+  add_query(Function::convergents, "All convergents of Q, each with its side of Q and its distance",
+            "  zelk convergents 415/93 --terms 2   4 < 43/93 and 9/2 > 7/186");
+
+  auto& exp = add_query(Function::exp, "Bounds of e^X, one per line",
+                        "  zelk exp 1 20\n  zelk exp -7/2 10 --derivative");
+  add_flag(exp, "--derivative", derivative,
+           "Companion bounds for the derivative instead, again e^X, of\n"
+           "any width; the larger comes first if X < 0");
+  auto& sin = add_query(Function::sin, "Bounds of sin X, one per line",
+                        "  zelk sin 1/2 20\n  zelk sin -3.25 10 --derivative");
+  add_flag(sin, "--derivative", derivative, "Bounds of the derivative cos X instead, of any width");
+  auto& cos = add_query(Function::cos, "Bounds of cos X, one per line", "  zelk cos 1/2 20");
+  add_flag(cos, "--derivative", derivative, "Bounds of the derivative -sin X instead");
+  add_query(Function::pi, "Bounds of pi, one per line", "  zelk pi 20");
+}
+
+void CommandLine::add_batch() {
+  auto* const command = app.add_subcommand("batch", "Answer a query a line, an answer a line");
+  command->footer(
+      "Examples:\n"
+      "  printf 'exp 1/2 10\\ncf 415/93 --terms 2\\n' | zelk batch\n"
+      "  zelk batch --json queries.txt > answers.jsonl\n"
+      "A line reads as the command line does without the name zelk. Blank lines and what\n"
+      "follows a # do not count. A query that is not answered gets a line on standard error,\n"
+      "with its place in the file, and the rest is still answered.");
+  command->fallthrough();
+  add_option(*command, "FILE", batch.file, "", "The queries; - or none is standard input");
+  add_flag(*command, "--fail-fast", batch.fail_fast, "Stop at the first query not answered");
+  add_flag(*command, "--stats", batch.stats, "Tell at the end how many were answered, and when");
+  command->callback([this] { status = run_batch(batch, settings) ? 0 : not_answered; });
+}
+
+void CommandLine::add_plots() {
+  auto* const command = app.add_subcommand("plot", "Draw bounds or convergents as an SVG image");
+  command->footer(
+      "Examples:\n"
+      "  zelk plot exp --from -1 --to 2 --output exp.svg\n"
+      "  zelk plot convergents 3.14159265 --output pi.svg\n"
+      "Needs gnuplot.");
+  command->fallthrough();
+  command->require_subcommand(1);
+  auto const add = [&](std::string const& name, std::string const& description) -> CLI::App& {
+    auto* const kind = command->add_subcommand(name, description);
+    kind->fallthrough();
+    add_option(*kind, "-o,--output", plot.file, "FILE", "Where the image goes")->required();
+    return *kind;
+  };
+  for (Function const function : {Function::exp, Function::sin, Function::cos}) {
+    std::string const name(signature_of(function).name);
+    auto& kind = add(name, "The bounds of " + name + " over a range of points");
+    add_option(kind, "--from", plot.from, "X", "The first point, by default -2");
+    add_option(kind, "--to", plot.to, "X", "The last point, by default 2");
+    add_option(kind, "--points", plot.points, "N", "How many points, by default 101");
+    add_option(kind, "--digits", plot.digits, "DIGITS",
+               "The tolerance is 10^-DIGITS, by default 0");
+    kind.callback([this, function] { plot_enclosures(function, plot, settings); });
+  }
+  auto& kind = add("convergents", "The convergents of Q");
+  add_option(kind, "Q", plot.number, "", "A fraction or decimal")->required();
+  kind.callback([this] { plot_convergents(plot, settings); });
+}
+
+int CommandLine::answer(Function function) {
+  QueryText text{function, {}, {}, {}, lower, upper, derivative};
+  auto const& signature = signature_of(function);
+  if (!signature.number.empty()) text.number = Word{number};
+  if (!signature.count.empty()) text.count = Word{count};
+  if (!terms.empty()) text.terms = Word{terms};
+
+  std::string name(signature.name);
+  for (auto const& [given, argument] : {std::pair(text.number, &number), {text.count, &count}})
+    if (given) name += ' ' + *argument;
+  if (text.terms) name += " --terms " + terms;
+  for (auto const& [flag, option] :
+       {std::pair(lower, " --lower"), {upper, " --upper"}, {derivative, " --derivative"}})
+    if (flag) name += option;
+
+  try {
+    Query const query = parse_query(text);
+    settings.limits.check(query);
+    Answer const answer = Solver().answer(query);
+    print(settings.style.json ? dump(to_json(name, query, answer, settings.style))
+                              : to_text(query, answer, settings.style, "\n", "\n"));
+  } catch (Refusal const& refusal) {
+    if (!settings.style.json || refusal.kind == Refusal::Kind::malformed) throw;
+    print(dump(to_json(name, refusal)) + '\n');
+    complain(refusal.what());
+    return not_answered;
+  }
+  print("\n");
+  return 0;
+}
+
+int CommandLine::run(int argc, char const* const* argv) {
+  auto const given = [&](std::string_view word) {
+    return std::find(argv, argv + argc, word) != argv + argc;
+  };
+  try {
+    // CLI11 lets "++" end a subcommand without a word; here it is an argument like any other.
+    if (given("++")) throw CLI::ArgumentMismatch("unexpected argument: ++");
+    if (argc == 2 && given("--man-page")) return print(man_page(app)), 0;
+    if (argc == 2 && given("--bash-completion")) return print(bash_completion(app)), 0;
+    app.parse_complete_callback([this] {
+      if (!places.empty()) settings.style.places = parse_count(Word{places});
+      if (!max_digits.empty()) settings.limits.max_digits = parse_count(Word{max_digits});
+      if (!max_bits.empty())
+        settings.limits.max_bits = static_cast<double>(parse_whole(Word{max_bits}, LONG_MAX));
+      if (settings.style.places > settings.limits.max_digits)
+        throw Refusal(Refusal::Kind::malformed, 1, "",
+                      "--digits-out " + places + " is more than --max-digits " +
+                          std::to_string(settings.limits.max_digits));
+    });
+    app.parse(argc, argv);
+    return status;
+  } catch (CLI::CallForHelp const&) {
+    print(app.help());
+  } catch (CLI::CallForVersion const& version) {
+    print(version.what() + std::string("\n"));
+  } catch (CLI::ParseError const& error) {
+    complain(describe(error));
+    return wrong_usage;
+  } catch (Refusal const& refusal) {
+    complain(refusal.what());
+    return refusal.kind == Refusal::Kind::malformed ? wrong_usage : not_answered;
+  }
+  return 0;
+}
+
+/// An argument nobody asked for is the likely cause of whatever else is wrong: it is named first.
+std::string CommandLine::describe(CLI::ParseError const& error) const {
+  std::string help = "zelk";
+  for (auto const* at = &app; !at->get_subcommands().empty();) {
+    at = at->get_subcommands().front();
+    help += ' ' + at->get_name();
+  }
+  std::string reason = error.what();
+  for (auto const& extra : app.remaining(true)) {
+    if (extra == "--") continue;
+    reason = "unexpected argument: " + extra;
+    break;
+  }
+  return reason + " (see " + help + " --help)";
+}
+
+}  // namespace zelk::cli

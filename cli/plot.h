@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+#include "cli/batch.h"
+#include "cli/query.h"
+
+namespace zelk::cli {
+
+/// What is drawn, as texts.
+struct PlotOptions {
+  std::string file;  // an SVG image
+  std::string from = "-2";
+  std::string to = "2";
+  std::string points = "101";
+  std::string digits = "0";
+  std::string number;  // whose convergents
+};
+
+/// Draws, by gnuplot, the enclosures of exp, sin or cos over a range of points.
+/// Throws: Refusal; std::system_error when gnuplot is missing or the file cannot be written.
+void plot_enclosures(Function function, PlotOptions const& options, Settings const& settings);
+
+/// Draws the convergents of a number, which close in on it from both sides.
+void plot_convergents(PlotOptions const& options, Settings const& settings);
+
+}  // namespace zelk::cli

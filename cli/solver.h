@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "cli/query.h"
+#include "zelk/approx/power_series_approximator.h"
+#include "zelk/approx/rational_approximator.h"
+
+namespace zelk::cli {
+
+using Terms = std::vector<QNumber>;
+using Bounds = na::PowerSeriesApproximator::Bounds;
+
+/// A convergent of a number beside it.
+struct Convergent {
+  QNumber value;
+  std::string_view side;  // how the value compares to the number: <, = or >
+  QNumber distance;
+};
+
+using Answer = std::variant<Terms, QNumber, std::vector<Convergent>, Bounds>;
+
+/// Asks the library, through one pair of approximators at a time.
+class Solver {
+ public:
+  Answer answer(Query const& query);
+
+ private:
+  // The tables of the library put all points of one denominator in one chain, so whoever keeps the
+  // finished answers elsewhere does well to begin again before such a chain is long.
+  static constexpr unsigned answers_of_a_pair = 1000;
+
+  struct Approximators {
+    na::RationalApproximator rational;
+    na::PowerSeriesApproximator series{rational};
+  };
+
+  std::vector<Convergent> convergents(Query const& query);
+  Bounds cosine(QNumber const& x, unsigned digits);
+
+  std::unique_ptr<Approximators> approximators;
+  unsigned answers = answers_of_a_pair;
+};
+
+}  // namespace zelk::cli

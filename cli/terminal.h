@@ -1,0 +1,39 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// What goes to standard output and to standard error.
+namespace zelk::cli {
+
+/// Results. Throws: std::system_error when they cannot be written.
+void print(std::string_view text);
+void flush_output();
+
+/// A diagnostic of one line, `zelk: ...`; the name in colour on a terminal, unless NO_COLOR is set.
+void complain(std::string_view message);
+
+/// A line on standard error that tells how far a long run has got: only on a terminal, and not
+/// within the first second.
+class Progress {
+ public:
+  Progress() = default;
+  Progress(Progress const&) = delete;
+  Progress& operator=(Progress const&) = delete;
+  ~Progress();
+
+  void show(std::size_t lines, std::size_t answered_before);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  bool const wanted = is_terminal();
+  Clock::time_point next = Clock::now() + std::chrono::seconds(1);
+  bool shown = false;
+
+  static bool is_terminal();
+};
+
+}  // namespace zelk::cli
