@@ -1,24 +1,62 @@
+# What `cmake --install` makes, in three parts: component `runtime` is what finished programs need,
+# `development` what it takes to compile one, `tools` the command. It works wherever it is put, or
+# moved to as a whole.
+
 include(CMakePackageConfigHelpers)
 
 set(zelk_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/zelk")
+set(zelk_pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
 install(
   TARGETS zelk zelk_convert
   EXPORT zelkTargets
-  FILE_SET HEADERS)
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development
+  FILE_SET HEADERS COMPONENT development)
+
+# For find_package(zelk). GMP has no package configuration of its own, so our module goes along.
 install(
   EXPORT zelkTargets
   NAMESPACE zelk::
-  DESTINATION "${zelk_package_dir}")
-
+  DESTINATION "${zelk_package_dir}"
+  COMPONENT development)
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/zelkConfig.cmake.in" zelkConfig.cmake
                               INSTALL_DESTINATION "${zelk_package_dir}")
 write_basic_package_version_file(zelkConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(
   FILES "${PROJECT_BINARY_DIR}/zelkConfig.cmake" "${PROJECT_BINARY_DIR}/zelkConfigVersion.cmake"
         "${PROJECT_SOURCE_DIR}/cmake/FindGMP.cmake"
-  DESTINATION "${zelk_package_dir}")
+  DESTINATION "${zelk_package_dir}"
+  COMPONENT development)
+
+# For pkg-config, by the way from a .pc file back to the prefix.
+string(REGEX REPLACE "[^/]+" ".." pkgconfig_to_prefix "${zelk_pkgconfig_dir}")
+foreach(name IN ITEMS zelk zelk-convert)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in" ${name}.pc @ONLY)
+  install(
+    FILES "${PROJECT_BINARY_DIR}/${name}.pc"
+    DESTINATION "${zelk_pkgconfig_dir}"
+    COMPONENT development)
+endforeach()
 
 if(ZELK_BUILD_CLI)
-  install(TARGETS zelk_cli)
+  install(TARGETS zelk_cli COMPONENT tools)
+  install(
+    FILES "${PROJECT_BINARY_DIR}/cli/zelk.1"
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
+    COMPONENT tools)
+  install(
+    FILES "${PROJECT_BINARY_DIR}/cli/zelk.bash"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
+    RENAME zelk
+    COMPONENT tools)
+endif()
+
+# Shared libraries are looked for by the way from whoever needs them.
+if(BUILD_SHARED_LIBS)
+  set_target_properties(zelk_convert PROPERTIES INSTALL_RPATH "$ORIGIN")
+  if(ZELK_BUILD_CLI)
+    file(RELATIVE_PATH bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+    set_target_properties(zelk_cli PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+  endif()
 endif()

@@ -1,0 +1,17 @@
+# Run by cpack when the components are installed and not yet packed: adds what Debian wants to find
+# in each package.
+
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)  # of SOURCE_DATE_EPOCH, if that is set
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER ${component} name)
+  set(share "${CPACK_TEMPORARY_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX}/share")
+  set(doc "${share}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}")
+  configure_file("${CMAKE_CURRENT_LIST_DIR}/../LICENSE" "${doc}/copyright" COPYONLY)
+  file(
+    WRITE "${doc}/changelog"
+    "zelk (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium\n\n"
+    "  * CHANGELOG.md in the sources says what this version brings.\n\n"
+    " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
+  file(GLOB pages "${share}/man/*/*")
+  execute_process(COMMAND gzip -9n "${doc}/changelog" ${pages} COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
