@@ -2,15 +2,9 @@
 
 #include <string>
 
-#include "cli/limits.h"
-#include "cli/render.h"
+#include "cli/settings.h"
 
 namespace zelk::cli {
-
-struct Settings {
-  Style style;
-  Limits limits;
-};
 
 struct BatchOptions {
   std::string file = "-";  // `-` is standard input

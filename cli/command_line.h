@@ -6,6 +6,7 @@
 #include "cli/batch.h"
 #include "cli/plot.h"
 #include "cli/query.h"
+#include "cli/settings.h"
 
 namespace zelk::cli {
 

@@ -42,6 +42,24 @@ void describe_commands(CLI::App const& app, std::string const& path, std::string
   }
 }
 
+/// The commands and long options that can come next.
+std::string words_of(CLI::App const& app) {
+  std::string words;
+  for (auto const* const command : app.get_subcommands({})) words += command->get_name() + ' ';
+  for (auto const* const option : app.get_options())
+    if (!option->get_positional() && !option->get_group().empty())
+      for (auto const& name : option->get_lnames()) words += "--" + name + ' ';
+  return words;
+}
+
+void complete(CLI::App const& app, std::string const& path, std::string& cases) {
+  for (auto const* const command : app.get_subcommands({})) {
+    std::string const name = path + command->get_name();
+    cases += "    " + name + ") words+=' " + words_of(*command) + "' ;;\n";
+    complete(*command, name + '-', cases);
+  }
+}
+
 }  // namespace
 
 std::string man_page(CLI::App const& app) {
@@ -61,27 +79,6 @@ std::string man_page(CLI::App const& app) {
       "If set and not empty, diagnostics on a terminal have no colour.\n";
   return page;
 }
-
-namespace {
-
-std::string words_of(CLI::App const& app) {
-  std::string words;
-  for (auto const* const command : app.get_subcommands({})) words += command->get_name() + ' ';
-  for (auto const* const option : app.get_options())
-    if (!option->get_positional() && !option->get_group().empty())
-      for (auto const& name : option->get_lnames()) words += "--" + name + ' ';
-  return words;
-}
-
-void complete(CLI::App const& app, std::string const& path, std::string& cases) {
-  for (auto const* const command : app.get_subcommands({})) {
-    std::string const name = path + command->get_name();
-    cases += "    " + name + ") words+=' " + words_of(*command) + "' ;;\n";
-    complete(*command, name + '-', cases);
-  }
-}
-
-}  // namespace
 
 std::string bash_completion(CLI::App const& app) {
   std::string cases;

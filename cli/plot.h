@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "cli/batch.h"
 #include "cli/query.h"
+#include "cli/settings.h"
 
 namespace zelk::cli {
 

@@ -1,19 +1,17 @@
 #include "cli/solver.h"
 
-#include <algorithm>
 #include <utility>
+
+#include "zelk/numbers/integer.h"
 
 namespace zelk::cli {
 namespace {
 
 /// 2 * 10^-digits.
 QNumber width_of(unsigned digits) {
-  mpz_t power;
-  mpz_init(power);
+  Integer power;
   mpz_ui_pow_ui(power, 10, digits);
-  QNumber const width = QNumber::from_mpz(IntegerView(2L), power);
-  mpz_clear(power);
-  return width;
+  return QNumber::from_mpz(IntegerView(2L), power);
 }
 
 }  // namespace
@@ -54,13 +52,12 @@ Answer Solver::answer(Query const& query) {
 
 std::vector<Convergent> Solver::convergents(Query const& query) {
   QNumber const& q = query.number;
-  std::size_t const length = std::min<std::size_t>(
-      std::max<std::size_t>(approximators->rational.get_cf(q, query.count).terms.size(), 1),
-      query.count);
+  auto& rational = approximators->rational;
   std::vector<Convergent> all;
-  for (unsigned terms = 1; terms <= length; ++terms) {
-    QNumber const c = approximators->rational.do_approx(q, terms);
+  for (unsigned terms = 1; terms <= query.count; ++terms) {
+    QNumber const c = rational.do_approx(q, terms);
     all.push_back({c, c < q ? "<" : c == q ? "=" : ">", abs(c - q)});
+    if (c == q) break;  // only the last one is
   }
   return all;
 }

@@ -10,6 +10,8 @@ rows=0
 failures=0
 
 plainly() { "$zelk" "$@"; }
+plotting() { PATH=$scratch/bin:$PATH "$zelk" "$@"; }
+plotless() { PATH=/nowhere "$zelk" "$@"; }
 fed() { "$zelk" "$@" <"$scratch/queries"; }
 unheard() { "$zelk" "$@" >&-; }
 cramped() (ulimit -v "$memory" && exec "$zelk" "$@")
@@ -244,6 +246,27 @@ for digits in 1 2; do
 done
 exec {COPROC[1]}>&-
 wait
+
+# What gnuplot would be told: three points, each with the truth between its bounds.
+mkdir "$scratch/bin"
+printf '#!/bin/sh\ncat >"%s/script"\n' "$scratch" >"$scratch/bin/gnuplot"
+chmod +x "$scratch/bin/gnuplot"
+ask "plot exp --from -1 --to 1/2 --points 3 --digits 3 -o '$scratch/x.svg'" plotting
+expect exits 0
+expect awk '/^END/ { data = 0 }
+  data { ++points; bad += !($2 <= exp($1) && exp($1) <= $3 && $3 - $2 < 0.001) }
+  /^\$bounds/ { data = 1 }
+  END { exit points != 3 || bad }' "$scratch/script"
+ask "plot convergents 415/93 -o '$scratch/x.svg'" plotting
+expect exits 0
+expect grep -q '^3 4.461538461538 -3.08.* "<"$' "$scratch/script"
+ask "plot sin -o '$scratch/x.svg'" plotless
+expect exits 3
+expect mentions err 'plots need gnuplot'
+expect test ! -e "$scratch/x.svg"
+ask 'plot sin -o /nowhere/x.svg' plotting
+expect exits 3
+expect mentions err 'cannot write /nowhere/x.svg'
 
 # Memory, in KiB, is scarce only where the limit is kept; and the command, unlike one that carries
 # sanitizers, has to start within it.
