@@ -14,7 +14,11 @@ int main(int argc, char** argv) {
   benchmark::AddCustomContext("FLINT", FLINT_VERSION);
   benchmark::AddCustomContext("Arb", arb_version);
   benchmark::AddCustomContext("Boost", BOOST_LIB_VERSION);
+#ifdef __clang__
   benchmark::AddCustomContext("compiler", __VERSION__);
+#else
+  benchmark::AddCustomContext("compiler", "g++ " __VERSION__);
+#endif
   zelk::bench::enter_arithmetic();
   zelk::bench::enter_expansion();
   zelk::bench::enter_lookup();

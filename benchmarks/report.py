@@ -132,7 +132,7 @@ def markdown(context, table, repetitions, peak_kib):
         "## How this was measured",
         "",
         f"`scripts/bench`, on {context['date'][:10]}: {processor()}, {context['num_cpus']} cores; "
-        f"{libraries}; compiler version {context['compiler']}, `-O3`.",
+        f"{libraries}; compiler {context['compiler']}, `-O3`.",
         "",
         "All contenders run in one process, one thread, on the same operands. Before it is timed, "
         "each must give the same answer as this library (Arb: an enclosure of the same value, as "

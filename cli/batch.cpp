@@ -7,6 +7,8 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <limits>
+#include <memory>
 #include <new>
 #include <string_view>
 #include <system_error>
@@ -31,6 +33,44 @@ struct TextHash : std::hash<std::string_view> {
   using is_transparent = void;
 };
 
+/// Reads lines of bounded length.
+class Lines {
+ public:
+  explicit Lines(std::istream& source) : input(source) {}
+
+  /// Whether there is a line; `text()` is good until the next.
+  bool next() {
+    input.getline(buffer.get(), capacity);
+    auto const count = static_cast<std::size_t>(input.gcount());
+    is_cut = input.fail() && !input.bad() && count == capacity - 1;
+    if (is_cut) {
+      input.clear();
+      input.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    } else if (input.fail()) {
+      return false;
+    }
+    bool const ended = !is_cut && !input.eof();  // counted, but not kept
+    line = {buffer.get(), count - ended};
+    return true;
+  }
+
+  /// Whoever feeds a pipe line by line may be waiting for an answer.
+  bool are_at_hand() { return input.rdbuf()->in_avail() > 0; }
+
+  static constexpr std::size_t capacity = std::size_t{1} << 24;
+
+  std::string_view text() const { return line; }
+
+  /// Whether the line was longer than that.
+  bool cut() const { return is_cut; }
+
+ private:
+  std::string_view line;
+  bool is_cut = false;
+  std::istream& input;
+  std::unique_ptr<char[]> buffer{new char[capacity]};
+};
+
 class Batch {
  public:
   Batch(std::string input_name, BatchOptions const& batch_options, Settings const& answer_settings)
@@ -39,13 +79,17 @@ class Batch {
   bool run(std::istream& input) {
     auto const begin = std::chrono::steady_clock::now();
     Progress progress;
-    for (std::string line; std::getline(input, line);) {
+    for (Lines lines(input); lines.next();) {
       ++number;
       progress.show(number, repeated);
-      if (Word const query = stripped(line); !query.text.empty()) answer(query);
+      Word const query = stripped(lines.text());
+      if (lines.cut())
+        refuse({query.text.substr(0, 64)}, too_long());
+      else if (!query.text.empty())
+        answer(query);
+      queries += lines.cut() || !query.text.empty();
       if (refused != 0 && options.fail_fast) break;
-      // Whoever feeds a pipe line by line may be waiting for the answer.
-      if (input.rdbuf()->in_avail() <= 0) flush_output();
+      if (!lines.are_at_hand()) flush_output();
     }
     if (input.bad()) throw std::system_error(errno, std::generic_category(), "cannot read " + name);
     flush_output();
@@ -60,8 +104,13 @@ class Batch {
   }
 
  private:
+  static Refusal too_long() {
+    std::string const reason =
+        "the line is longer than " + std::to_string(Lines::capacity) + " bytes";
+    return {Refusal::Kind::malformed, 1, reason, reason};
+  }
+
   void answer(Word const& query) {
-    ++queries;
     if (auto const known = finished.find(query.text); known != finished.end()) {
       ++repeated;
       put(known->second);
@@ -78,7 +127,7 @@ class Batch {
 
   std::string compute(std::string_view text) {
     Query const query = parse_query(split_query(text));
-    settings.limits.check(query);
+    settings.limits.check(query, places_of(query, settings.style));
     Answer const answer = solver.answer(query);
     if (settings.style.json) return dump(to_json(text, query, answer, settings.style)) + '\n';
     return to_text(query, answer, settings.style, " ", "; ") + '\n';

@@ -4,12 +4,13 @@
 
 #include <algorithm>
 #include <climits>
-#include <map>
 #include <string_view>
+#include <utility>
 
 #include "cli/manual.h"
 #include "cli/solver.h"
 #include "cli/terminal.h"
+#include "zelk/convert/text.h"
 
 namespace zelk::cli {
 namespace {
@@ -41,23 +42,19 @@ CommandLine::CommandLine() {
                        "Print the versions and exit");
   app.get_formatter()->label("REQUIRED", "");
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-  app.get_formatter()->label("Subcommands", "Commands");
   app.footer(epilogue);
 
-  static std::map<std::string, Format> const formats = {
-      {"fraction", Format::fraction}, {"decimal", Format::decimal}, {"both", Format::both}};
-  app.add_option("--format", settings.style.format,
-                 "How numbers are printed: fraction (the default), decimal or both;\n"
-                 "decimal bounds are rounded outward")
-      ->transform(CLI::CheckedTransformer(formats).description(""))
-      ->type_name("FORMAT");
+  add_option(app, "--format", format, "FORMAT",
+             "How numbers are printed: fraction (the default), decimal or both;\n"
+             "decimal bounds are rounded outward");
   add_option(app, "--digits-out", places, "N",
              "Decimal places to print, by default DIGITS + 2, or 20");
   add_flag(app, "--json", settings.style.json, "Print each answer as a JSON object on one line");
   add_option(app, "--max-digits", max_digits, "N",
              "Refuse queries for more DIGITS, by default 100000");
   add_option(app, "--max-bits", max_bits, "N",
-             "Refuse queries that would take more bits of memory,\nby default 4000000000");
+             "Refuse queries that would take more bits of memory, or work\n"
+             "through more than a thousand times as many; by default 4000000000");
   app.add_flag("--man-page")->group("");
   app.add_flag("--bash-completion")->group("");
 
@@ -70,8 +67,9 @@ CLI::App& CommandLine::add_query(Function function, std::string const& descripti
                                  std::string const& examples) {
   auto const& signature = signature_of(function);
   auto* const query = app.add_subcommand(std::string(signature.name), description);
-  query->footer("Examples:\n" + examples);
-  query->fallthrough();
+  query->footer("Examples:\n" + examples +
+                "\n`zelk --help` tells the options of all commands, such as --format and --json.");
+  query->fallthrough()->group("Commands");
   query->callback([this, function] { status = answer(function); });
   // CLI11 takes a dash and a digit for an option only if some option is named by that digit. None
   // is, so negative numbers pass as plain arguments in any place.
@@ -125,10 +123,12 @@ void CommandLine::add_batch() {
       "A line reads as the command line does without the name zelk. Blank lines and what\n"
       "follows a # do not count. A query that is not answered gets a line on standard error,\n"
       "with its place in the file, and the rest is still answered.");
-  command->fallthrough();
+  command->fallthrough()->group("Commands");
   add_option(*command, "FILE", batch.file, "", "The queries; - or none is standard input");
   add_flag(*command, "--fail-fast", batch.fail_fast, "Stop at the first query not answered");
-  add_flag(*command, "--stats", batch.stats, "Tell at the end how many were answered, and when");
+  add_flag(*command, "--stats", batch.stats,
+           "Tell at the end how many queries there were, how many of them\n"
+           "repeated, how many refused, and how long it took");
   command->callback([this] { status = run_batch(batch, settings) ? 0 : not_answered; });
 }
 
@@ -139,11 +139,11 @@ void CommandLine::add_plots() {
       "  zelk plot exp --from -1 --to 2 --output exp.svg\n"
       "  zelk plot convergents 3.14159265 --output pi.svg\n"
       "Needs gnuplot.");
-  command->fallthrough();
+  command->fallthrough()->group("Commands");
   command->require_subcommand(1);
   auto const add = [&](std::string const& name, std::string const& description) -> CLI::App& {
     auto* const kind = command->add_subcommand(name, description);
-    kind->fallthrough();
+    kind->fallthrough()->group("Pictures");
     add_option(*kind, "-o,--output", plot.file, "FILE", "Where the image goes")->required();
     return *kind;
   };
@@ -162,35 +162,58 @@ void CommandLine::add_plots() {
   kind.callback([this] { plot_convergents(plot, settings); });
 }
 
+void CommandLine::read_settings() {
+  auto const refuse = [](std::string const& reason) {
+    throw Refusal(Refusal::Kind::malformed, 1, reason, reason);
+  };
+  constexpr std::pair<std::string_view, Format> formats[] = {
+      {"fraction", Format::fraction}, {"decimal", Format::decimal}, {"both", Format::both}};
+  if (!format.empty()) {
+    auto const* const known =
+        std::ranges::find(formats, format, &std::pair<std::string_view, Format>::first);
+    if (known == std::end(formats))
+      refuse(convert::quoted(format) + ": expected fraction, decimal or both");
+    settings.style.format = known->second;
+  }
+  if (!places.empty()) settings.style.places = parse_count(Word{places});
+  if (!max_digits.empty()) settings.limits.max_digits = parse_count(Word{max_digits});
+  if (!max_bits.empty())
+    settings.limits.max_bits = static_cast<double>(parse_whole(Word{max_bits}, LONG_MAX));
+  if (settings.style.places > settings.limits.max_digits)
+    refuse("--digits-out " + places + " is more than --max-digits " +
+           std::to_string(settings.limits.max_digits));
+}
+
 int CommandLine::answer(Function function) {
   QueryText text{function, {}, {}, {}, lower, upper, derivative};
   auto const& signature = signature_of(function);
-  if (!signature.number.empty()) text.number = Word{number};
-  if (!signature.count.empty()) text.count = Word{count};
-  if (!terms.empty()) text.terms = Word{terms};
-
-  std::string name(signature.name);
-  for (auto const& [given, argument] : {std::pair(text.number, &number), {text.count, &count}})
-    if (given) name += ' ' + *argument;
-  if (text.terms) name += " --terms " + terms;
+  std::string line(signature.name);  // as a file of queries would have it
+  auto const append = [&line](std::string const& word) {
+    line += ' ' + word;
+    return Word{word, line.size() - word.size() + 1};
+  };
+  if (!signature.number.empty()) text.number = append(number);
+  if (!signature.count.empty()) text.count = append(count);
+  if (!terms.empty()) {
+    line += " --terms";
+    text.terms = append(terms);
+  }
   for (auto const& [flag, option] :
        {std::pair(lower, " --lower"), {upper, " --upper"}, {derivative, " --derivative"}})
-    if (flag) name += option;
+    if (flag) line += option;
 
   try {
     Query const query = parse_query(text);
-    settings.limits.check(query);
+    settings.limits.check(query, places_of(query, settings.style));
     Answer const answer = Solver().answer(query);
-    print(settings.style.json ? dump(to_json(name, query, answer, settings.style))
+    print(settings.style.json ? dump(to_json(line, query, answer, settings.style))
                               : to_text(query, answer, settings.style, "\n", "\n"));
+    print("\n");
+    return 0;
   } catch (Refusal const& refusal) {
-    if (!settings.style.json || refusal.kind == Refusal::Kind::malformed) throw;
-    print(dump(to_json(name, refusal)) + '\n');
-    complain(refusal.what());
-    return not_answered;
+    if (settings.style.json) print(dump(to_json(line, refusal)) + '\n');
+    throw;
   }
-  print("\n");
-  return 0;
 }
 
 int CommandLine::run(int argc, char const* const* argv) {
@@ -202,16 +225,7 @@ int CommandLine::run(int argc, char const* const* argv) {
     if (given("++")) throw CLI::ArgumentMismatch("unexpected argument: ++");
     if (argc == 2 && given("--man-page")) return print(man_page(app)), 0;
     if (argc == 2 && given("--bash-completion")) return print(bash_completion(app)), 0;
-    app.parse_complete_callback([this] {
-      if (!places.empty()) settings.style.places = parse_count(Word{places});
-      if (!max_digits.empty()) settings.limits.max_digits = parse_count(Word{max_digits});
-      if (!max_bits.empty())
-        settings.limits.max_bits = static_cast<double>(parse_whole(Word{max_bits}, LONG_MAX));
-      if (settings.style.places > settings.limits.max_digits)
-        throw Refusal(Refusal::Kind::malformed, 1, "",
-                      "--digits-out " + places + " is more than --max-digits " +
-                          std::to_string(settings.limits.max_digits));
-    });
+    app.parse_complete_callback([this] { read_settings(); });
     app.parse(argc, argv);
     return status;
   } catch (CLI::CallForHelp const&) {
@@ -236,6 +250,7 @@ std::string CommandLine::describe(CLI::ParseError const& error) const {
     help += ' ' + at->get_name();
   }
   std::string reason = error.what();
+  if (reason == "A subcommand is required") reason = "a command is required";
   for (auto const& extra : app.remaining(true)) {
     if (extra == "--") continue;
     reason = "unexpected argument: " + extra;

@@ -29,12 +29,13 @@ class CommandLine {
   void add_queries();
   void add_batch();
   void add_plots();
+  void read_settings();
   int answer(Function function);
   std::string describe(CLI::ParseError const& error) const;
 
   CLI::App app{"Exact rationals: continued fractions, convergents, and guaranteed bounds", "zelk"};
   Settings settings;
-  std::string places, max_digits, max_bits;
+  std::string format, places, max_digits, max_bits;
   std::string number, count, terms;
   bool lower = false;
   bool upper = false;

@@ -18,7 +18,7 @@ using namespace zelk::cli;
 // GMP cannot pass a failed allocation on to its caller: the command has to end where it happens.
 void* or_exit(void* block) {
   if (block == nullptr) {
-    complain("not enough memory");
+    complain("not enough memory");  // and the answers before it
     std::_Exit(not_answered);
   }
   return block;

@@ -1,6 +1,5 @@
 #include "cli/manual.h"
 
-#include <sstream>
 #include <string_view>
 
 namespace zelk::cli {
@@ -42,21 +41,31 @@ void describe_commands(CLI::App const& app, std::string const& path, std::string
   }
 }
 
-/// The commands and long options that can come next.
-std::string words_of(CLI::App const& app) {
-  std::string words;
-  for (auto const* const command : app.get_subcommands({})) words += command->get_name() + ' ';
-  for (auto const* const option : app.get_options())
-    if (!option->get_positional() && !option->get_group().empty())
-      for (auto const& name : option->get_lnames()) words += "--" + name + ' ';
-  return words;
+std::string commands_of(CLI::App const& app) {
+  std::string names;
+  for (auto const* const command : app.get_subcommands({})) names += command->get_name() + ' ';
+  return names;
 }
 
-void complete(CLI::App const& app, std::string const& path, std::string& cases) {
+/// The long options, all or those with a value, and then separated otherwise.
+std::string options_of(CLI::App const& app, bool with_value_only, char const* separator) {
+  std::string names;
+  for (auto const* const option : app.get_options())
+    if (!option->get_positional() && !option->get_group().empty() &&
+        (!with_value_only || option->get_items_expected_max() > 0))
+      for (auto const& name : option->get_lnames()) names += "--" + name + separator;
+  return names;
+}
+
+/// What can come after each command, and in `valued` all options with a value.
+void complete(CLI::App const& app, std::string const& path, std::string& cases,
+              std::string& valued) {
+  valued += options_of(app, true, "|");
   for (auto const* const command : app.get_subcommands({})) {
     std::string const name = path + command->get_name();
-    cases += "    " + name + ") words+=' " + words_of(*command) + "' ;;\n";
-    complete(*command, name + '-', cases);
+    cases += "    " + name + ") words='" + commands_of(*command) +
+             options_of(*command, false, " ") + "' ;;\n";
+    complete(*command, name + '-', cases, valued);
   }
 }
 
@@ -81,32 +90,43 @@ std::string man_page(CLI::App const& app) {
 }
 
 std::string bash_completion(CLI::App const& app) {
-  std::string cases;
-  complete(app, "", cases);
+  std::string cases, valued;
+  complete(app, "", cases, valued);
   return "# bash completion for zelk\n"
          "_zelk() {\n"
          "  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}\n"
-         "  local path='' word words='" +
-         words_of(app) +
+         "  local path='' word skip=false words='" +
+         commands_of(app) +
          "'\n"
          "  case $previous in\n"
-         "    --format) COMPREPLY=($(compgen -W 'fraction decimal both' -- \"$current\")); return "
-         ";;\n"
-         "    -o|--output) COMPREPLY=($(compgen -f -- \"$current\")); return ;;\n"
+         "    --format) mapfile -t COMPREPLY < <(compgen -W 'fraction decimal both' -- "
+         "\"$current\"); return ;;\n"
+         "    -o|--output) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "
+         "\"$current\"); return ;;\n"
+         "    " +
+         valued +
+         "-) return ;;\n"
          "  esac\n"
          "  for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
+         "    if $skip; then skip=false; continue; fi\n"
          "    case $word in\n"
+         "      -o|" +
+         valued +
+         "-) skip=true ;;\n"
          "      -*|*[0-9]*) ;;\n"
-         "      plot) path=plot ;;\n"
-         "      *) [[ $path == plot ]] && path=plot-$word || path=${path:-$word} ;;\n"
+         "      *) if [[ $path == plot ]]; then path=plot-$word; else path=${path:-$word}; fi ;;\n"
          "    esac\n"
          "  done\n"
          "  case $path in\n" +
          cases +
          "  esac\n"
-         "  [[ $path != batch ]] || mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
-         "  mapfile -t -O \"${#COMPREPLY[@]}\" COMPREPLY < <(compgen -W \"$words\" -- "
-         "\"$current\")\n"
+         "  mapfile -t COMPREPLY < <(compgen -W \"$words " +
+         options_of(app, false, " ") +
+         "\" -- \"$current\")\n"
+         "  if [[ $path == batch ]]; then\n"
+         "    compopt -o filenames\n"
+         "    mapfile -t -O \"${#COMPREPLY[@]}\" COMPREPLY < <(compgen -f -- \"$current\")\n"
+         "  fi\n"
          "}\n"
          "complete -F _zelk zelk\n";
 }

@@ -1,14 +1,17 @@
 #include "cli/plot.h"
 
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <system_error>
 
 #include "cli/solver.h"
+#include "cli/terminal.h"
 #include "zelk/convert/decimal.h"
 #include "zelk/convert/text.h"
 
@@ -31,40 +34,70 @@ double log10(QNumber const& q) {
   return of(q.numerator()) - of(q.denominator());
 }
 
-std::string quoted(std::string const& text) {
-  std::string result = "'";
-  for (char const c : text) result += c == '\'' ? "''" : std::string(1, c);
-  return result + "'";
+constexpr char preamble[] =
+    "set terminal svg size 720,480 background 'white' font 'sans,12'\n"
+    "set grid lc rgb '#dddddd'\n"
+    "set border lc rgb '#555555'\n";
+
+[[noreturn]] void fail(int reason, std::string const& what) {
+  throw std::system_error(reason, std::generic_category(), what);
 }
 
-std::string preamble(std::string const& file) {
-  return "set terminal svg size 720,480 background 'white' font 'sans,12'\n"
-         "set output " +
-         quoted(file) +
-         "\n"
-         "set grid lc rgb '#dddddd'\n"
-         "set border lc rgb '#555555'\n";
-}
-
-void run_gnuplot(std::string const& script, std::string const& file) {
-  // The file first: gnuplot's own words on one that cannot be written say less.
-  if (std::FILE* const output = std::fopen(file.c_str(), "w"))
-    std::fclose(output);
-  else
-    throw std::system_error(errno, std::generic_category(), "cannot write " + file);
-  auto* const before = std::signal(SIGPIPE, SIG_IGN);
-  std::FILE* const gnuplot = popen("gnuplot", "w");
-  int status = -1;
-  if (gnuplot != nullptr) {
-    std::fwrite(script.data(), 1, script.size(), gnuplot);
-    status = pclose(gnuplot);
+/// A new file that goes when this does.
+class TemporaryFile {
+ public:
+  TemporaryFile() : descriptor(mkstemp(path.data())) {
+    if (descriptor < 0) fail(errno, "cannot write " + path);
   }
-  std::signal(SIGPIPE, before);
-  if (status == 0) return;
-  std::remove(file.c_str());
-  bool const missing = WIFEXITED(status) && WEXITSTATUS(status) == 127;
-  throw std::system_error(missing ? ENOENT : EIO, std::generic_category(),
-                          missing ? "plots need gnuplot, which cannot be started" : "gnuplot");
+  TemporaryFile(TemporaryFile const&) = delete;
+  TemporaryFile& operator=(TemporaryFile const&) = delete;
+  ~TemporaryFile() {
+    close(descriptor);
+    unlink(path.c_str());
+  }
+
+  std::string const& name() const { return path; }
+
+ private:
+  std::string path = "/tmp/zelk-plot-XXXXXX";
+  int descriptor;
+};
+
+/// What gnuplot makes of the script. Names given by people enter neither the script nor the shell.
+std::string drawn(std::string const& script) {
+  TemporaryFile const file;
+  std::FILE* const written = std::fopen(file.name().c_str(), "w");
+  bool complete = written != nullptr;
+  if (complete) complete = std::fwrite(script.data(), 1, script.size(), written) == script.size();
+  if (written != nullptr && std::fclose(written) != 0) complete = false;
+  if (!complete) fail(errno, "cannot write " + file.name());
+
+  std::string image;
+  std::FILE* const gnuplot = popen(
+      ("command -v gnuplot >/dev/null || exit 127; exec gnuplot " + file.name() + " 2>&1").c_str(),
+      "r");
+  if (gnuplot == nullptr) fail(errno, "cannot start gnuplot");
+  char buffer[4096];
+  while (auto const size = std::fread(buffer, 1, sizeof buffer, gnuplot))
+    image.append(buffer, size);
+  int const status = pclose(gnuplot);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == 127)
+    fail(ENOENT, "plots need gnuplot, which cannot be found");
+  auto const begin = std::min(image.find("<?xml"), image.size());  // after what it has to remark
+  if (status != 0 || image.find("</svg>", begin) == std::string::npos)
+    fail(EIO, "gnuplot failed: " + convert::quoted(image));
+  return image.substr(begin);
+}
+
+void write(std::string const& image, std::string const& file) {
+  if (file == "-") return print(image);
+  std::FILE* const output = std::fopen(file.c_str(), "w");
+  if (output == nullptr) fail(errno, "cannot write " + file);
+  errno = 0;
+  bool complete = std::fwrite(image.data(), 1, image.size(), output) == image.size();
+  int const reason = errno;
+  if (std::fclose(output) != 0) complete = false;
+  if (!complete) fail(reason != 0 ? reason : errno, "cannot write " + file);
 }
 
 Query query_of(Function function, std::string const& number, std::string const& count) {
@@ -87,12 +120,12 @@ void plot_enclosures(Function function, PlotOptions const& options, Settings con
     throw Refusal(Refusal::Kind::malformed, 1, "",
                   "the range from " + options.from + " to " + options.to + " is empty");
 
-  std::string script = preamble(options.file) + "$bounds << END\n";
+  std::string script = std::string(preamble) + "$bounds << END\n";
   Solver solver;
   QNumber const step = (to - from) / QNumber(points - 1L);
   for (unsigned i = 0; i < points; ++i) {
     query.number = from + QNumber(i) * step;
-    settings.limits.check(query);
+    settings.limits.check(query, places);
     auto const [lower, upper] = std::get<Bounds>(solver.answer(query));
     script += show(query.number) + ' ' + show(lower) + ' ' + show(upper) + '\n';
   }
@@ -100,16 +133,21 @@ void plot_enclosures(Function function, PlotOptions const& options, Settings con
   script +=
       "END\nset key top left\nset xlabel 'x'\n"
       "plot $bounds using 1:2:3 with filledcurves lc rgb '#9ec9e2' title '" +
-      name + " x lies in here', '' using 1:2 with lines lc rgb '#1f6f9f' title 'lower bound, " +
+      name +
+      " x lies in here at each point drawn', '' using 1:2 with lines lc rgb '#1f6f9f' title 'lower "
+      "bound, " +
       options.digits + " digits', '' using 1:3 with lines lc rgb '#c2571a' title 'upper bound'\n";
-  run_gnuplot(script, options.file);
+  write(drawn(script), options.file);
 }
 
 void plot_convergents(PlotOptions const& options, Settings const& settings) {
   Query const query = query_of(Function::convergents, options.number, "");
-  settings.limits.check(query);
+  settings.limits.check(query, places);
   auto const convergents = std::get<std::vector<Convergent>>(Solver().answer(query));
-  std::string script = preamble(options.file) + "$convergents << END\n";
+  if (convergents.size() == 1)
+    throw Refusal(Refusal::Kind::unanswerable, 1, "",
+                  convert::quoted(options.number) + ": an integer has no convergents to draw");
+  std::string script = std::string(preamble) + "$convergents << END\n";
   for (std::size_t i = 0; i < convergents.size(); ++i) {
     auto const& [value, side, distance] = convergents[i];
     std::string const log = distance.is_zero() ? "NaN" : std::to_string(log10(distance));
@@ -121,13 +159,22 @@ void plot_convergents(PlotOptions const& options, Settings const& settings) {
       "END\n"
       "set multiplot layout 2,1\n"
       "set key bottom right\n"
+      "set xtics 1\n"
+      "set xrange [0.5:" +
+      std::to_string(std::min<std::size_t>(convergents.size(), 8)) +
+      ".5]\n"
       "set ylabel 'convergent'\n"
       "plot " +
       value + " with lines lc rgb '#555555' title " +
-      quoted(options.number.size() <= 40 ? options.number : "the number") +
+      // A number that was read has digits, a sign, a slash and the like, and no quotes.
+      '\'' + (options.number.size() <= 40 ? options.number : "the number") + '\'' +
       ", $convergents using ($1 <= 8 ? $1 : NaN):2 with linespoints pt 7 ps 0.6 "
       "lc rgb '#1f6f9f' title 'the first convergents'\n"
+      "set xrange [0.5:" +
+      std::to_string(convergents.size()) +
+      ".5]\n"
       "set key top right\n"
+      "set xtics auto\n"
       "set ylabel 'log10 of the distance'\n"
       "set xlabel 'terms'\n"
       "plot $convergents using 1:(strcol(4) eq '<' ? $3 : NaN) with points pt 7 ps 0.6 "
@@ -135,7 +182,7 @@ void plot_convergents(PlotOptions const& options, Settings const& settings) {
       "'' using 1:(strcol(4) eq '>' ? $3 : NaN) with points pt 7 ps 0.6 lc rgb '#c2571a' "
       "title 'above'\n"
       "unset multiplot\n";
-  run_gnuplot(script, options.file);
+  write(drawn(script), options.file);
 }
 
 }  // namespace zelk::cli

@@ -9,7 +9,7 @@ namespace zelk::cli {
 
 /// What is drawn, as texts.
 struct PlotOptions {
-  std::string file;  // an SVG image
+  std::string file;  // an SVG image; - is standard output
   std::string from = "-2";
   std::string to = "2";
   std::string points = "101";

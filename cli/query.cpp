@@ -24,7 +24,7 @@ constexpr unsigned largest_count = std::numeric_limits<unsigned>::max();
 
 [[noreturn]] void refuse(Word const& word, std::string const& reason) {
   throw Refusal(Refusal::Kind::malformed, word.column, reason,
-                '"' + std::string(word.text) + "\": " + reason);
+                convert::quoted(word.text) + ": " + reason);
 }
 
 /// Takes the words of a line one after the other.
@@ -67,7 +67,9 @@ Word value_of(Word const& option, std::string_view name, Words& words) {
 }
 
 void read_option(Word const& option, Signature const& signature, Words& words, QueryText& query) {
-  if (signature.takes_terms && (option.text == "--terms" || option.text.starts_with("--terms=")))
+  bool const is_terms = option.text == "--terms" || option.text.starts_with("--terms=");
+  if (signature.takes_terms && is_terms && query.terms) refuse(option, "given twice");
+  if (signature.takes_terms && is_terms)
     query.terms = value_of(option, "--terms", words);
   else if (signature.takes_side && option.text == "--lower")
     query.lower = true;
@@ -103,8 +105,11 @@ QueryText split_query(std::string_view line) {
   if (!name) refuse(words.end(), "a function is missing");
   Signature const& signature = find_signature(*name);
   QueryText query{signature.function, {}, {}, {}};
+  bool options = true;
   while (auto const word = words.next()) {
-    if (word->text.starts_with("--"))
+    if (options && word->text == "--")
+      options = false;
+    else if (options && word->text.starts_with("--"))
       read_option(*word, signature, words, query);
     else if (!signature.number.empty() && !query.number)
       query.number = word;

@@ -1,6 +1,7 @@
 #include "cli/render.h"
 
 #include <algorithm>
+#include <climits>
 #include <utility>
 
 #include "zelk/convert/decimal.h"
@@ -11,11 +12,6 @@ namespace {
 
 using convert::to_string;
 using nlohmann::ordered_json;
-
-unsigned places_of(Query const& query, Style const& style) {
-  if (style.places) return *style.places;
-  return signature_of(query.function).count == "DIGITS" ? query.count + 2 : 20;
-}
 
 /// In ascending order: the companion bounds of exp need not be.
 Bounds ascending(Bounds const& bounds) {
@@ -130,6 +126,13 @@ class JsonWriter {
 };
 
 }  // namespace
+
+unsigned places_of(Query const& query, Style const& style) {
+  if (style.format == Format::fraction) return 0;
+  if (style.places) return *style.places;
+  bool const by_digits = signature_of(query.function).count == "DIGITS";
+  return by_digits ? std::min(query.count, UINT_MAX - 2) + 2 : 20;
+}
 
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
                     std::string_view separator, std::string_view between) {

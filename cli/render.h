@@ -19,6 +19,9 @@ struct Style {
   bool json = false;
 };
 
+/// Decimal places of an answer; 0 when it is printed without decimals.
+unsigned places_of(Query const& query, Style const& style);
+
 /// The answer as text, its parts with `separator` between them, its convergents with `between`.
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
                     std::string_view separator, std::string_view between);

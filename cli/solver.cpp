@@ -25,11 +25,8 @@ Answer Solver::answer(Query const& query) {
   auto& [rational, series] = *approximators;
   auto const& [function, x, count, direction, derivative] = query;
   switch (function) {
-    case Function::cf: {
-      auto terms = rational.get_cf(x, count).terms;
-      if (terms.size() > count) terms.erase(terms.begin() + count, terms.end());
-      return terms;
-    }
+    case Function::cf:
+      return terms(query);
     case Function::approx:
       return rational.approx(x, count, direction);
     case Function::convergents:
@@ -50,15 +47,24 @@ Answer Solver::answer(Query const& query) {
   }
 }
 
+Terms Solver::terms(Query const& query) {
+  auto all = approximators->rational.get_cf(query.number, query.count).terms;
+  if (all.size() > query.count) all.erase(all.begin() + query.count, all.end());
+  return all;
+}
+
 std::vector<Convergent> Solver::convergents(Query const& query) {
   QNumber const& q = query.number;
-  auto& rational = approximators->rational;
+  // By the recurrence, from the terms: asked one by one each would be found from the first on.
+  QNumber h(1), h_before(0), k(0), k_before(1);
   std::vector<Convergent> all;
-  for (unsigned terms = 1; terms <= query.count; ++terms) {
-    QNumber const c = rational.do_approx(q, terms);
+  for (QNumber const& term : terms(query)) {
+    h_before = std::exchange(h, term * h + h_before);
+    k_before = std::exchange(k, term * k + k_before);
+    QNumber const c = h / k;
     all.push_back({c, c < q ? "<" : c == q ? "=" : ">", abs(c - q)});
-    if (c == q) break;  // only the last one is
   }
+  if (all.empty()) all.push_back({q, "=", QNumber(0)});  // zero, which has no terms
   return all;
 }
 

@@ -38,6 +38,7 @@ class Solver {
     na::PowerSeriesApproximator series{rational};
   };
 
+  Terms terms(Query const& query);
   std::vector<Convergent> convergents(Query const& query);
   Bounds cosine(QNumber const& x, unsigned digits);
 

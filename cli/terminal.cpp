@@ -6,9 +6,17 @@
 #include <cstdio>
 #include <cstdlib>
 #include <system_error>
+#include <utility>
 
 namespace zelk::cli {
 namespace {
+
+/// Whether the cursor stands behind a line of progress.
+bool progress_shown = false;
+
+void erase_progress() {
+  if (std::exchange(progress_shown, false)) std::fputs("\r\033[K", stderr);
+}
 
 [[noreturn]] void fail() {
   throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
@@ -25,25 +33,25 @@ void flush_output() {
 }
 
 void complain(std::string_view message) {
-  static bool const coloured = isatty(STDERR_FILENO) != 0 && (std::getenv("NO_COLOR") == nullptr ||
-                                                              *std::getenv("NO_COLOR") == '\0');
-  std::string line = coloured ? "\r\033[K\033[1;31mzelk:\033[0m " : "zelk: ";
+  char const* const no_color = std::getenv("NO_COLOR");
+  bool const coloured = isatty(STDERR_FILENO) != 0 && (no_color == nullptr || *no_color == '\0');
+  std::string line = coloured ? "\033[1;31mzelk:\033[0m " : "zelk: ";
   line.append(message) += '\n';
+  std::fflush(stdout);
+  erase_progress();
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
-bool Progress::is_terminal() { return isatty(STDERR_FILENO) != 0; }
+bool Progress::is_wanted() { return isatty(STDERR_FILENO) != 0 && isatty(STDOUT_FILENO) == 0; }
 
-Progress::~Progress() {
-  if (shown) std::fputs("\r\033[K", stderr);
-}
+Progress::~Progress() { erase_progress(); }
 
 void Progress::show(std::size_t lines, std::size_t answered_before) {
   if (!wanted) return;
   auto const now = Clock::now();
   if (now < next) return;
   next = now + std::chrono::milliseconds(200);
-  shown = true;
+  progress_shown = true;
   std::fprintf(stderr, "\r\033[K%zu lines, %zu answered before", lines, answered_before);
   std::fflush(stderr);
 }

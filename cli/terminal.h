@@ -12,11 +12,12 @@ namespace zelk::cli {
 void print(std::string_view text);
 void flush_output();
 
-/// A diagnostic of one line, `zelk: ...`; the name in colour on a terminal, unless NO_COLOR is set.
+/// A diagnostic of one line, `zelk: ...`, after all answers so far; the name in colour on a
+/// terminal, unless NO_COLOR is set.
 void complain(std::string_view message);
 
-/// A line on standard error that tells how far a long run has got: only on a terminal, and not
-/// within the first second.
+/// A line on standard error that tells how far a long run has got: not within the first second, and
+/// only on a terminal that does not get the answers too.
 class Progress {
  public:
   Progress() = default;
@@ -29,11 +30,10 @@ class Progress {
  private:
   using Clock = std::chrono::steady_clock;
 
-  bool const wanted = is_terminal();
-  Clock::time_point next = Clock::now() + std::chrono::seconds(1);
-  bool shown = false;
+  static bool is_wanted();
 
-  static bool is_terminal();
+  bool const wanted = is_wanted();
+  Clock::time_point next = Clock::now() + std::chrono::seconds(1);
 };
 
 }  // namespace zelk::cli

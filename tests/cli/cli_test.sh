@@ -3,7 +3,7 @@
 # Prints what went wrong and fails if anything did.
 set -euo pipefail
 
-zelk=$1
+zelk=$(realpath "$1")
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 rows=0
@@ -31,8 +31,8 @@ expect() {
   "$@" && return
   failures=$((failures + 1))
   printf 'FAILED: %s\n  expected: %s\n  exit status: %d\n' "$question" "$*" "$status"
-  sed 's/^/  stdout: /' "$scratch/out"
-  sed 's/^/  stderr: /' "$scratch/err"
+  sed 's/^/  stdout: /' "$scratch/out" | cut -c1-200
+  sed 's/^/  stderr: /' "$scratch/err" | cut -c1-200
 }
 
 printed() { printf '%b\n' "$1" | cmp -s - "$scratch/out"; }
@@ -126,17 +126,19 @@ exp 1 20 --max-digits 19 => 1 20 digits are more than --max-digits 19
 exp 1e9 3 => 1 would take about
 sin -1e1000000 3 => 1 would take about
 pi 10000 => 1 would take about
-cf 1e9999 --max-bits 1000 => 1 would take about
- => 2 A subcommand is required
+exp 1e6 3 => 1 would work through about
+cf 1e-9999 --max-bits 1000 => 1 would take about
+ => 2 a command is required
 log 2 5 => 2 log
 cf => 2 Q is required
 cf 1 2 => 2 unexpected argument: 2
+plot convergents 5 -o x.svg => 1 "5": an integer has no convergents
 cf 1 ++ => 2 unexpected argument: ++
 cf 1 --bogus => 2 --bogus
 cf -.5 => 2 unexpected argument: -.5
 cf '' => 2 "": column 1
 cf 1/0 => 2 "1/0": column 3: zero denominator
-cf 1 --format roman => 2 roman
+cf 1 --format roman => 2 "roman": expected fraction, decimal or both
 cf 1 --digits-out 100001 => 2 --digits-out 100001 is more than --max-digits 100000
 cf 1 --max-bits many => 2 "many": expected a whole number
 plot exp => 2 --output is required
@@ -192,7 +194,7 @@ exp 0 3
 
   cf 415/93   # [4; 2, 6, 7]
 cf 1/0
-approx 415/93 --lower 2
+approx 415/93 --lower -- 2
 exp 0 3
 log 3
 sin 1 2 3
@@ -226,6 +228,15 @@ expect printed '{"line":1,"query":"exp 0 3","lower":{"numerator":"1","denominato
 ask 'batch --stats -' fed
 expect exits 1
 expect mentions err '12 queries, 1 of them repeated, 7 refused'
+# A line is bounded, and the next is read all the same.
+{ head -c 17000000 /dev/zero | tr '\0' 1 && printf '\ncf 3/2\n'; } >"$scratch/long"
+ask "batch '$scratch/long'"
+expect exits 1
+expect printed '[1; 2]'
+expect mentions err 'long:1:1: the line is longer than 16777216 bytes'
+ask '--json cf 1/0'
+expect exits 2
+expect printed '{"query":"cf 1/0","error":{"column":6,"message":"zero denominator"}}'
 ask 'batch /nowhere/at/all'
 expect exits 3
 expect mentions err 'cannot read /nowhere/at/all: No such file'
@@ -249,7 +260,7 @@ wait
 
 # What gnuplot would be told: three points, each with the truth between its bounds.
 mkdir "$scratch/bin"
-printf '#!/bin/sh\ncat >"%s/script"\n' "$scratch" >"$scratch/bin/gnuplot"
+printf '#!/bin/sh\ncp "$1" "%s/script"; echo "<?xml?><svg></svg>"\n' "$scratch" >"$scratch/bin/gnuplot"
 chmod +x "$scratch/bin/gnuplot"
 ask "plot exp --from -1 --to 1/2 --points 3 --digits 3 -o '$scratch/x.svg'" plotting
 expect exits 0
@@ -260,10 +271,24 @@ expect awk '/^END/ { data = 0 }
 ask "plot convergents 415/93 -o '$scratch/x.svg'" plotting
 expect exits 0
 expect grep -q '^3 4.461538461538 -3.08.* "<"$' "$scratch/script"
-ask "plot sin -o '$scratch/x.svg'" plotless
+echo precious >"$scratch/kept"
+ask "plot sin -o '$scratch/kept'" plotless
+expect exits 3
+expect mentions kept precious
+# No name is anything but the name of a file.
+for name in "|touch $scratch/piped" $'x\nsystem "touch piped"\n'; do
+  (cd "$scratch" && plotting plot sin -o "${name//\//_}")
+  expect test -s "$scratch/${name//\//_}"
+done
+ask 'plot sin -o -' plotting
+expect mentions out '</svg>'
+ask 'plot sin -o /dev/full' plotting
+expect exits 3
+expect mentions err 'cannot write /dev/full'
+ask "plot sin -o '$scratch/y.svg'" plotless
 expect exits 3
 expect mentions err 'plots need gnuplot'
-expect test ! -e "$scratch/x.svg"
+expect test ! -e "$scratch/y.svg"
 ask 'plot sin -o /nowhere/x.svg' plotting
 expect exits 3
 expect mentions err 'cannot write /nowhere/x.svg'

@@ -21,6 +21,7 @@ QNumber const early = QNumber(LONG_MIN, 6) + QNumber(1, 3);
 
 static_assert(!std::is_constructible_v<QNumber, double>);
 static_assert(!std::is_constructible_v<QNumber, unsigned long>);
+static_assert(!std::is_constructible_v<QNumber, __int128_t>);
 static_assert(std::is_constructible_v<QNumber, unsigned>);
 
 // A number in big form ends in B.

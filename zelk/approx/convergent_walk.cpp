@@ -26,13 +26,13 @@ QNumber fold(std::vector<QNumber> const& terms, std::size_t count) {
 }  // namespace
 
 ConvergentWalk::ConvergentWalk(RationalApproximator& approximator, QNumber const& q, unsigned first)
-    : owner(approximator), key(q, first), is_wide(exceeds_words(q)), current(&q) {
+    : owner(approximator), key(q, first), is_wide(exceeds_words(q)) {
   assert(first >= 1 || q.is_integer());
 }
 
 QNumber const& ConvergentWalk::next() {
-  if (key.first.is_integer()) return *current;
-  if (current != &key.first) ++key.second;
+  if (key.first.is_integer()) return *(current = &key.first);
+  if (current != nullptr) ++key.second;
   auto const known = owner.approx_cache.find(key);
   current = known != owner.approx_cache.end() ? &known.node->value.second : &compute();
   return *current;

@@ -30,7 +30,7 @@ class ConvergentWalk {
   /// The next convergent: q itself if that is an integer, otherwise the cache's entry.
   QNumber const& next();
 
-  /// Whether the last convergent is less than q, or greater.
+  /// Whether the last convergent is less than q, or greater. Requires: there was one.
   bool below() const {
     return is_wide ? key.second % 2 != 0 && !(*current == key.first) : *current < key.first;
   }
@@ -58,9 +58,9 @@ class ConvergentWalk {
   QNumber const& compute();
 
   RationalApproximator& owner;
-  hsh::pair_hash_eq::View key;  // the number, and the precision of `current`
+  hsh::pair_hash_eq::View key;  // the number, and the precision of `current`, at first of the next
   bool is_wide;
-  QNumber const* current;                // at first the number itself
+  QNumber const* current = nullptr;
   std::optional<Recurrence> recurrence;  // from the first convergent that the cache did not have
 };
 

@@ -35,7 +35,7 @@ class Euclid {
  private:
   /// floor(n/d) for n >= d, if the leading 63 bits of n, x, and the bits of d at the same places,
   /// y, decide: n/d lies between x/(y + 1) and (x + 1)/y. Most quotients of an expansion are small,
-  /// so they nearly always do. Otherwise 0.
+  /// so they nearly always do. Otherwise 0, and for an n of one limb.
   unsigned long certain_quotient() const {
     auto const size = static_cast<mp_size_t>(mpz_size(n));
     if (size < 2 || mpz_cmp(n, d) < 0) return 0;

@@ -10,7 +10,7 @@ namespace {
 
 using ApproxData = PowerSeriesApproximator::ApproxData;
 
-/// S T / (1 - T) < 1/reciprocal, for S = s/d and T = t/d with 0 < t and d_minus_t = d - t > 0.
+/// S T / (1 - T) < 1/reciprocal, for S = s/d > 0 and T = t/d with 0 < t and d_minus_t = d - t > 0.
 bool tail_below(mpz_srcptr s, mpz_srcptr t, mpz_srcptr d, mpz_srcptr d_minus_t,
                 mpz_srcptr reciprocal) {
   int const verdict = compare(LeadingBits(s) * LeadingBits(t) * LeadingBits(reciprocal),

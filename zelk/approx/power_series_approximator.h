@@ -61,7 +61,7 @@ class ZELK_EXPORT PowerSeriesApproximator {
   /// sign of sin x, so points near a multiple of pi take more terms than the tolerance needs.
   Bounds maclaurin_sin_bounds(QNumber const& x, unsigned prec);
 
-  /// cos x, from the polynomial that the sine's derivative is; its width is not bounded by prec.
+  /// cos x, from the derivative of the sine's polynomial; its width is not bounded by prec.
   Bounds maclaurin_sin_der_bounds(QNumber const& x, unsigned prec);
 
   /// pi, at most 10^-prec wide, by Machin's formula pi = 16 arctan(1/5) - 4 arctan(1/239), both

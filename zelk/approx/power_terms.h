@@ -13,12 +13,13 @@ namespace zelk::na {
 /// reduced to lowest terms before it is asked for as a number: a step costs a few passes over the
 /// digits.
 ///
-/// What cancels at the end: below T_0, T_1, ... the powers of a prime of q go up, so that below a
-/// sum stands that of its last term T_m, which is that in m! q^m. So q^(j-m) cancels, and besides
-/// only primes up to j.
+/// What cancels at the end: a prime of q stands below T_m as often as in m! q^m, which is more
+/// often than below any term before it, and so below a sum whose last term is T_m too. The
+/// denominator has it as often as j! q^j. So q^(j-m) cancels, and besides only primes up to j.
 class PowerTerms {
  public:
-  /// Starts with T_j = term for j = index. Requires: x is not 0 and outlives this object.
+  /// Starts with T_j = term for j = index. Requires: x is not 0 and outlives this object; the sums
+  /// are of terms before T_j, each with a sign.
   PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
              QNumber const& sum1 = QNumber());
 

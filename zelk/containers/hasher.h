@@ -72,8 +72,8 @@ struct pair_hash_eq {
   };
 
   /// The hash of a key, or whether two are equal. The hash is the lower half of the number's above
-  /// the precision: small numbers with numerators from 0 to 2^32 - 1 and the same denominator have
-  /// the same, and meet in one chain.
+  /// the precision: at one precision, small numbers with one denominator and numerators from 0 to
+  /// 2^32 - 1 have one hash, and meet in one chain.
   std::uint64_t operator()(Key const& key) const { return (*this)(View(key.first, key.second)); }
   bool operator()(Key const& a, Key const& b) const { return are_equal(a, b); }
 

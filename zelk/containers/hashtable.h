@@ -15,17 +15,18 @@ namespace zelk::hsh {
 /// are, and live until the table is destroyed.
 ///
 /// GetKey takes the Key out of a Value, Hash maps a Key to 64 bits, Eq compares two Keys; none of
-/// them may throw. Lookups also take any stand-in K for a Key that Hash and Eq accept, so that a
-/// key need not be copied together to be looked up. Bucket counts are `primes`, at first 31; before
-/// each insertion attempt a load above 0.7 grows the table to the next one, by the hashes that the
-/// nodes carry: a key is hashed once for each lookup or insertion, however often the table grows.
-/// A failed growth or insertion leaves every entry.
+/// them may throw. Lookups also take any stand-in K for a Key that Hash and Eq treat as the key it
+/// stands for, so that a key need not be copied together to be looked up. Bucket counts are
+/// `primes`, at first 31; before each insertion attempt a load above 0.7 grows the table to the
+/// next one, by the hashes that the nodes carry: a key is hashed once for each lookup or insertion,
+/// however often the table grows. A failed growth or insertion leaves every entry.
 template <class Value, class GetKey, class Key, class Hash, class Eq>
 class Hashtable {
  public:
-  /// A node: an entry, and the next node of its chain or null.
+  /// A node: the next one of its chain or null, an entry, and, once the node is in a chain, the
+  /// hash of the entry's key, which must not change any more.
   struct Bucket {
-    /// Set by the table; `hash`, the key's, once the node is in a chain.
+    /// Set by the table.
     Bucket* next;
     Value value;
     std::uint64_t hash;
@@ -98,8 +99,8 @@ class Hashtable {
   }
 
   /// Makes the bucket count the least of `primes` that is n or more (the largest of them when none
-  /// is), unless it is n already. Entries that meet in a new chain stand in reverse order of the
-  /// walk over the old one.
+  /// is), unless it is n or more already. Entries that meet in a new chain stand in reverse order
+  /// of the walk over the old one.
   void rehash(std::size_t n) {
     if (buckets.size() >= n) return;
     auto const* const least = std::lower_bound(primes.begin(), primes.end() - 1, n);

@@ -24,14 +24,13 @@ ZELK_EXPORT bool is_decimal(QNumber const& q, unsigned places);
 /// The interval between two numbers, its lower end rounded down and its upper end rounded up: what
 /// is printed contains what is meant, and neither end moves by as much as 10^-places.
 ///
-/// As usual for intervals, a square bracket stands at an end that belongs to it, which is exact
-/// then, and a round one at an end that does not, which was rounded and lies outside. Between 1/2
-/// and 2/3 it is `[0.500, 0.667)` to three places, between 1/3 and 2/3 `(0.333, 0.667)`, and 1/4
-/// alone is `[0.250, 0.250]`. Inside the brackets `parse_rational` reads each end, on either side
-/// of the comma and the blank.
+/// An end that is exact is marked by an equals sign; one without was rounded and lies strictly
+/// outside. To three places it is `[0.333, 0.667]` between 1/3 and 2/3, `[=0.500, 0.667]` between
+/// 1/2 and 2/3, and `[=0.250, =0.250]` for 1/4 alone. After bracket, blank and mark
+/// `parse_rational` reads each end.
 ///
 /// The ends may come in either order, as those of the derivatives of exp do; the lesser is the
-/// lower.
+/// lower. `to_decimal({1, 2}, 3)` means the interval from 1 to 2, not the number 1/2.
 ///
 /// Cost: as `to_decimal` for both ends.
 ZELK_EXPORT std::string to_decimal(std::pair<QNumber, QNumber> const& enclosure, unsigned places);

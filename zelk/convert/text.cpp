@@ -98,9 +98,13 @@ void append(std::string& text, mpz_srcptr n) {
 
 }  // namespace
 
+std::string quoted(std::string_view text, std::size_t column) {
+  return '"' + excerpt(text, column) + '"';
+}
+
 ParseError::ParseError(std::string_view text, std::size_t column, std::string_view reason)
-    : std::invalid_argument('"' + excerpt(text, column) + "\": column " + std::to_string(column) +
-                            ": " + std::string(reason)),
+    : std::invalid_argument(quoted(text, column) + ": column " + std::to_string(column) + ": " +
+                            std::string(reason)),
       offending_column(column),
       reason_length(reason.size()) {}
 

@@ -15,12 +15,17 @@ namespace zelk::convert {
 /// an unbounded amount of memory.
 inline constexpr long max_decimal_exponent = 1'000'000;
 
+/// A text as messages show it: in quotes, of a long one only the surroundings of `column`,
+/// unprintable bytes as `\x..`. Requires: 1 <= column <= text.size() + 1.
+ZELK_EXPORT std::string quoted(std::string_view text, std::size_t column = 1);
+
 /// The refusal of a text that is not a rational. `what()` names the text (shortened when long, its
 /// unprintable bytes written as `\x..`), the column and the reason: `"1/-2": column 3: expected a
 /// digit`.
 class ZELK_EXPORT ParseError : public std::invalid_argument {
  public:
-  /// `column` counts bytes from 1; it is one past the end of `text` where text is missing.
+  /// `column` counts bytes from 1; it is one past the end of `text` where text is missing, and
+  /// must not lie beyond that.
   ParseError(std::string_view text, std::size_t column, std::string_view reason);
 
   /// The byte of the text, counted from 1, at which it was refused.

@@ -53,7 +53,8 @@ class ZELK_EXPORT QNumber {
   /// Arguments that a conversion to `long` could change silently.
   template <class T>
   static constexpr bool may_not_fit = std::floating_point<T> ||
-                                      (std::unsigned_integral<T> && sizeof(T) >= sizeof(long));
+                                      (std::unsigned_integral<T> && sizeof(T) >= sizeof(long)) ||
+                                      (!std::is_class_v<T> && sizeof(T) > sizeof(long));
   template <class T>
   requires(may_not_fit<T>) QNumber(T)
   = delete;
@@ -222,7 +223,7 @@ class ZELK_EXPORT QNumber {
   }
 
   /// By value, whatever the forms. Cost: for big forms a look at the leading bits nearly always,
-  /// two products when those agree.
+  /// two products when those do not tell.
   friend bool operator<(QNumber const& a, QNumber const& b) {
     if (!a.is_small_with(b)) [[unlikely]]
       return less_big(a, b);
