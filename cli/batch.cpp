@@ -129,14 +129,14 @@ class Batch {
     Query const query = parse_query(split_query(text));
     settings.limits.check(query, places_of(query, settings.style));
     Answer const answer = solver.answer(query);
-    if (settings.style.json) return dump(to_json(text, query, answer, settings.style)) + '\n';
+    if (settings.style.json) return to_json(text, query, answer, settings.style) + '\n';
     return to_text(query, answer, settings.style, " ", "; ") + '\n';
   }
 
   void refuse(Word const& query, Refusal refusal) {
     ++refused;
     refusal.column += query.column - 1;
-    if (settings.style.json) put(dump(to_json(query.text, refusal)) + '\n');
+    if (settings.style.json) put(to_json(query.text, refusal) + '\n');
     complain(name + ':' + std::to_string(number) + ':' + std::to_string(refusal.column) + ": " +
              refusal.reason);
   }

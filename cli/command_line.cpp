@@ -2,12 +2,18 @@
 
 #include <gmp.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <climits>
+#include <string>
 #include <string_view>
 #include <utility>
 
+#include "cli/batch.h"
 #include "cli/manual.h"
+#include "cli/plot.h"
+#include "cli/query.h"
+#include "cli/settings.h"
 #include "cli/solver.h"
 #include "cli/terminal.h"
 #include "zelk/convert/text.h"
@@ -24,6 +30,36 @@ constexpr char epilogue[] =
     "Exit status: 0 all answered, 1 some query not answered, 2 wrong usage,\n"
     "3 something cannot be read or written.";
 
+/// The command line as CLI11 knows it. Numbers are kept as texts until the whole line is known to
+/// be well formed, so that a subcommand's --help answers in any company.
+class CommandLine {
+ public:
+  CommandLine();
+
+  int run(int argc, char const* const* argv);
+
+ private:
+  CLI::App& add_query(Function function, std::string const& description,
+                      std::string const& examples);
+  void add_queries();
+  void add_batch();
+  void add_plots();
+  void read_settings();
+  int answer(Function function);
+  std::string describe(CLI::ParseError const& error) const;
+
+  CLI::App app{"Exact rationals: continued fractions, convergents, and guaranteed bounds", "zelk"};
+  Settings settings;
+  std::string format, places, max_digits, max_bits;
+  std::string number, count, terms;
+  bool lower = false;
+  bool upper = false;
+  bool derivative = false;
+  BatchOptions batch;
+  PlotOptions plot;
+  int status = 0;
+};
+
 CLI::Option* add_flag(CLI::App& to, std::string const& name, bool& flag,
                       std::string const& description) {
   return to.add_flag(name, flag, description)->disable_flag_override();
@@ -33,8 +69,6 @@ CLI::Option* add_option(CLI::App& to, std::string const& name, std::string& text
                         std::string const& type, std::string const& description) {
   return to.add_option(name, text, description)->type_name(type);
 }
-
-}  // namespace
 
 CommandLine::CommandLine() {
   app.require_subcommand(1);
@@ -206,12 +240,12 @@ int CommandLine::answer(Function function) {
     Query const query = parse_query(text);
     settings.limits.check(query, places_of(query, settings.style));
     Answer const answer = Solver().answer(query);
-    print(settings.style.json ? dump(to_json(line, query, answer, settings.style))
+    print(settings.style.json ? to_json(line, query, answer, settings.style)
                               : to_text(query, answer, settings.style, "\n", "\n"));
     print("\n");
     return 0;
   } catch (Refusal const& refusal) {
-    if (settings.style.json) print(dump(to_json(line, refusal)) + '\n');
+    if (settings.style.json) print(to_json(line, refusal) + '\n');
     throw;
   }
 }
@@ -258,5 +292,9 @@ std::string CommandLine::describe(CLI::ParseError const& error) const {
   }
   return reason + " (see " + help + " --help)";
 }
+
+}  // namespace
+
+int run_command_line(int argc, char const* const* argv) { return CommandLine().run(argc, argv); }
 
 }  // namespace zelk::cli

@@ -33,7 +33,7 @@ void* reallocate(void* block, std::size_t, std::size_t size) {
 int main(int argc, char** argv) {
   mp_set_memory_functions(allocate, reallocate, nullptr);
   try {
-    int const status = CommandLine().run(argc, argv);
+    int const status = run_command_line(argc, argv);
     flush_output();
     return status;
   } catch (std::bad_alloc const&) {

@@ -1,5 +1,6 @@
 #include "cli/manual.h"
 
+#include <CLI/CLI.hpp>
 #include <string_view>
 
 namespace zelk::cli {

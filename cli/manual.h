@@ -1,7 +1,10 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 /// Papers of the command, made of what --help says: they cannot tell anything else.
 namespace zelk::cli {

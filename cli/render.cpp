@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "zelk/convert/decimal.h"
@@ -125,6 +126,10 @@ class JsonWriter {
   ordered_json& object;
 };
 
+std::string dump(ordered_json const& object) {
+  return object.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+}
+
 }  // namespace
 
 unsigned places_of(Query const& query, Style const& style) {
@@ -139,20 +144,16 @@ std::string to_text(Query const& query, Answer const& answer, Style const& style
   return std::visit(Writer(query, style, separator, between), answer);
 }
 
-ordered_json to_json(std::string_view query_text, Query const& query, Answer const& answer,
-                     Style const& style) {
+std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,
+                    Style const& style) {
   ordered_json object = {{"query", query_text}};
   std::visit(JsonWriter(query, style, object), answer);
-  return object;
+  return dump(object);
 }
 
-ordered_json to_json(std::string_view query_text, Refusal const& refusal) {
-  return {{"query", query_text},
-          {"error", {{"column", refusal.column}, {"message", refusal.reason}}}};
-}
-
-std::string dump(ordered_json const& object) {
-  return object.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+std::string to_json(std::string_view query_text, Refusal const& refusal) {
+  return dump({{"query", query_text},
+               {"error", {{"column", refusal.column}, {"message", refusal.reason}}}});
 }
 
 }  // namespace zelk::cli

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,14 +25,10 @@ unsigned places_of(Query const& query, Style const& style);
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
                     std::string_view separator, std::string_view between);
 
-/// The answer as a JSON object.
-nlohmann::ordered_json to_json(std::string_view query_text, Query const& query,
-                               Answer const& answer, Style const& style);
-
-/// The refusal as a JSON object.
-nlohmann::ordered_json to_json(std::string_view query_text, Refusal const& refusal);
-
-/// On one line; bytes that are no UTF-8 are replaced.
-std::string dump(nlohmann::ordered_json const& object);
+/// The answer, or why there is none, as a JSON object on one line. Bytes that are no UTF-8 are
+/// replaced.
+std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,
+                    Style const& style);
+std::string to_json(std::string_view query_text, Refusal const& refusal);
 
 }  // namespace zelk::cli
