@@ -25,8 +25,9 @@ constexpr std::string_view blanks = " \t\r";
 /// What counts of a line.
 Word stripped(std::string_view line) {
   line = line.substr(0, line.find('#'));
-  auto const first = std::min(line.find_first_not_of(blanks), line.size());
-  return {line.substr(first, line.find_last_not_of(blanks) + 1 - first), first + 1};
+  auto const first = line.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return {line.substr(first, line.find_last_not_of(blanks) - first + 1), first + 1};
 }
 
 struct TextHash : std::hash<std::string_view> {
