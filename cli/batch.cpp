@@ -84,11 +84,11 @@ class Batch {
       ++number;
       progress.show(number, repeated);
       Word const query = stripped(lines.text());
+      if (lines.cut() || !query.text.empty()) ++queries;
       if (lines.cut())
         refuse({query.text.substr(0, 64)}, too_long());
       else if (!query.text.empty())
         answer(query);
-      queries += lines.cut() || !query.text.empty();
       if (refused != 0 && options.fail_fast) break;
       if (!lines.are_at_hand()) flush_output();
     }

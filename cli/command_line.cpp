@@ -39,6 +39,8 @@ class CommandLine {
   int run(int argc, char const* const* argv);
 
  private:
+  CLI::App& add_command(std::string const& name, std::string const& description,
+                        std::string const& footer);
   CLI::App& add_query(Function function, std::string const& description,
                       std::string const& examples);
   void add_queries();
@@ -97,26 +99,33 @@ CommandLine::CommandLine() {
   add_plots();
 }
 
+CLI::App& CommandLine::add_command(std::string const& name, std::string const& description,
+                                   std::string const& footer) {
+  auto* const command = app.add_subcommand(name, description);
+  command->footer("Examples:\n" + footer);
+  command->fallthrough()->group("Commands");
+  return *command;
+}
+
 CLI::App& CommandLine::add_query(Function function, std::string const& description,
                                  std::string const& examples) {
   auto const& signature = signature_of(function);
-  auto* const query = app.add_subcommand(std::string(signature.name), description);
-  query->footer("Examples:\n" + examples +
-                "\n`zelk --help` tells the options of all commands, such as --format and --json.");
-  query->fallthrough()->group("Commands");
-  query->callback([this, function] { status = answer(function); });
+  auto& query = add_command(
+      std::string(signature.name), description,
+      examples + "\n`zelk --help` tells the options of all commands, such as --format and --json.");
+  query.callback([this, function] { status = answer(function); });
   // CLI11 takes a dash and a digit for an option only if some option is named by that digit. None
   // is, so negative numbers pass as plain arguments in any place.
   if (!signature.number.empty())
-    add_option(*query, std::string(signature.number), number, "", "A fraction or decimal")
+    add_option(query, std::string(signature.number), number, "", "A fraction or decimal")
         ->required();
   if (!signature.count.empty())
-    add_option(*query, std::string(signature.count), count, "",
+    add_option(query, std::string(signature.count), count, "",
                signature.count == "TERMS" ? "How many terms, at least 1 unless Q is an integer"
                                           : "Decimal digits: the tolerance is 10^-DIGITS")
         ->required();
-  if (signature.takes_terms) add_option(*query, "--terms", terms, "N", "Only the first N");
-  return *query;
+  if (signature.takes_terms) add_option(query, "--terms", terms, "N", "Only the first N");
+  return query;
 }
 
 void CommandLine::add_queries() {
@@ -149,36 +158,33 @@ void CommandLine::add_queries() {
 }
 
 void CommandLine::add_batch() {
-  auto* const command = app.add_subcommand("batch", "Answer a query a line, an answer a line");
-  command->footer(
-      "Examples:\n"
+  auto& command = add_command(
+      "batch", "Answer a query a line, an answer a line",
       "  printf 'exp 1/2 10\\ncf 415/93 --terms 2\\n' | zelk batch\n"
       "  zelk batch --json queries.txt > answers.jsonl\n"
       "A line reads as the command line does without the name zelk. Blank lines and what\n"
       "follows a # do not count. A query that is not answered gets a line on standard error,\n"
       "with its place in the file, and the rest is still answered.");
-  command->fallthrough()->group("Commands");
-  add_option(*command, "FILE", batch.file, "", "The queries; - or none is standard input");
-  add_flag(*command, "--fail-fast", batch.fail_fast, "Stop at the first query not answered");
-  add_flag(*command, "--stats", batch.stats,
+  add_option(command, "FILE", batch.file, "", "The queries; - or none is standard input");
+  add_flag(command, "--fail-fast", batch.fail_fast, "Stop at the first query not answered");
+  add_flag(command, "--stats", batch.stats,
            "Tell at the end how many queries there were, how many of them\n"
            "repeated, how many refused, and how long it took");
-  command->callback([this] { status = run_batch(batch, settings) ? 0 : not_answered; });
+  command.callback([this] { status = run_batch(batch, settings) ? 0 : not_answered; });
 }
 
 void CommandLine::add_plots() {
-  auto* const command = app.add_subcommand("plot", "Draw bounds or convergents as an SVG image");
-  command->footer(
-      "Examples:\n"
-      "  zelk plot exp --from -1 --to 2 --output exp.svg\n"
-      "  zelk plot convergents 3.14159265 --output pi.svg\n"
-      "Needs gnuplot.");
-  command->fallthrough()->group("Commands");
-  command->require_subcommand(1);
+  auto& command = add_command("plot", "Draw bounds or convergents as an SVG image",
+                              "  zelk plot exp --from -1 --to 2 --output exp.svg\n"
+                              "  zelk plot convergents 3.14159265 --output pi.svg\n"
+                              "Needs gnuplot.");
+  command.require_subcommand(1);
   auto const add = [&](std::string const& name, std::string const& description) -> CLI::App& {
-    auto* const kind = command->add_subcommand(name, description);
+    auto* const kind = command.add_subcommand(name, description);
     kind->fallthrough()->group("Pictures");
-    add_option(*kind, "-o,--output", plot.file, "FILE", "Where the image goes")->required();
+    add_option(*kind, "-o,--output", plot.file, "FILE",
+               "Where the image goes; - is standard output")
+        ->required();
     return *kind;
   };
   for (Function const function : {Function::exp, Function::sin, Function::cos}) {

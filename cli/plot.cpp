@@ -43,6 +43,16 @@ constexpr char preamble[] =
   throw std::system_error(reason, std::generic_category(), what);
 }
 
+void write(std::string const& text, std::string const& file) {
+  std::FILE* const output = std::fopen(file.c_str(), "w");
+  if (output == nullptr) fail(errno, "cannot write " + file);
+  errno = 0;
+  bool complete = std::fwrite(text.data(), 1, text.size(), output) == text.size();
+  int const reason = errno;
+  if (std::fclose(output) != 0) complete = false;
+  if (!complete) fail(reason != 0 ? reason : errno, "cannot write " + file);
+}
+
 /// A new file that goes when this does.
 class TemporaryFile {
  public:
@@ -66,11 +76,7 @@ class TemporaryFile {
 /// What gnuplot makes of the script. Names given by people enter neither the script nor the shell.
 std::string drawn(std::string const& script) {
   TemporaryFile const file;
-  std::FILE* const written = std::fopen(file.name().c_str(), "w");
-  bool complete = written != nullptr;
-  if (complete) complete = std::fwrite(script.data(), 1, script.size(), written) == script.size();
-  if (written != nullptr && std::fclose(written) != 0) complete = false;
-  if (!complete) fail(errno, "cannot write " + file.name());
+  write(script, file.name());
 
   std::string image;
   std::FILE* const gnuplot = popen(
@@ -89,15 +95,9 @@ std::string drawn(std::string const& script) {
   return image.substr(begin);
 }
 
-void write(std::string const& image, std::string const& file) {
-  if (file == "-") return print(image);
-  std::FILE* const output = std::fopen(file.c_str(), "w");
-  if (output == nullptr) fail(errno, "cannot write " + file);
-  errno = 0;
-  bool complete = std::fwrite(image.data(), 1, image.size(), output) == image.size();
-  int const reason = errno;
-  if (std::fclose(output) != 0) complete = false;
-  if (!complete) fail(reason != 0 ? reason : errno, "cannot write " + file);
+void draw(std::string const& script, std::string const& file) {
+  auto const image = drawn(script);
+  file == "-" ? print(image) : write(image, file);
 }
 
 Query query_of(Function function, std::string const& number, std::string const& count) {
@@ -137,7 +137,7 @@ void plot_enclosures(Function function, PlotOptions const& options, Settings con
       " x lies in here at each point drawn', '' using 1:2 with lines lc rgb '#1f6f9f' title 'lower "
       "bound, " +
       options.digits + " digits', '' using 1:3 with lines lc rgb '#c2571a' title 'upper bound'\n";
-  write(drawn(script), options.file);
+  draw(script, options.file);
 }
 
 void plot_convergents(PlotOptions const& options, Settings const& settings) {
@@ -182,7 +182,7 @@ void plot_convergents(PlotOptions const& options, Settings const& settings) {
       "'' using 1:(strcol(4) eq '>' ? $3 : NaN) with points pt 7 ps 0.6 lc rgb '#c2571a' "
       "title 'above'\n"
       "unset multiplot\n";
-  write(drawn(script), options.file);
+  draw(script, options.file);
 }
 
 }  // namespace zelk::cli
