@@ -1,19 +1,14 @@
 #include "cli/batch.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <functional>
-#include <iostream>
-#include <limits>
-#include <memory>
 #include <new>
 #include <string_view>
-#include <system_error>
 #include <unordered_map>
 
+#include "cli/lines.h"
 #include "cli/solver.h"
 #include "cli/terminal.h"
 
@@ -34,65 +29,28 @@ struct TextHash : std::hash<std::string_view> {
   using is_transparent = void;
 };
 
-/// Reads lines of bounded length.
-class Lines {
- public:
-  explicit Lines(std::istream& source) : input(source) {}
-
-  /// Whether there is a line; `text()` is good until the next.
-  bool next() {
-    input.getline(buffer.get(), capacity);
-    auto const count = static_cast<std::size_t>(input.gcount());
-    is_cut = input.fail() && !input.bad() && count == capacity - 1;
-    if (is_cut) {
-      input.clear();
-      input.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-    } else if (input.fail()) {
-      return false;
-    }
-    bool const ended = !is_cut && !input.eof();  // counted, but not kept
-    line = {buffer.get(), count - ended};
-    return true;
-  }
-
-  /// Whoever feeds a pipe line by line may be waiting for an answer.
-  bool are_at_hand() { return input.rdbuf()->in_avail() > 0; }
-
-  static constexpr std::size_t capacity = std::size_t{1} << 24;
-
-  std::string_view text() const { return line; }
-
-  /// Whether the line was longer than that.
-  bool cut() const { return is_cut; }
-
- private:
-  std::string_view line;
-  bool is_cut = false;
-  std::istream& input;
-  std::unique_ptr<char[]> buffer{new char[capacity]};
-};
-
 class Batch {
  public:
-  Batch(std::string input_name, BatchOptions const& batch_options, Settings const& answer_settings)
-      : name(std::move(input_name)), options(batch_options), settings(answer_settings) {}
+  Batch(BatchOptions const& batch_options, Settings const& answer_settings)
+      : options(batch_options), settings(answer_settings) {}
 
-  bool run(std::istream& input) {
+  bool run() {
     auto const begin = std::chrono::steady_clock::now();
     Progress progress;
-    for (Lines lines(input); lines.next();) {
+    for (Lines lines(options.file); lines.next();) {
       ++number;
       progress.show(number, repeated);
       Word const query = stripped(lines.text());
-      if (lines.cut() || !query.text.empty()) ++queries;
-      if (lines.cut())
+      // What a long comment leaves is whole all the same.
+      bool const is_cut = lines.is_cut() && lines.text().find('#') == std::string_view::npos;
+      if (is_cut || !query.text.empty()) ++queries;
+      if (is_cut)
         refuse({query.text.substr(0, 64)}, too_long());
       else if (!query.text.empty())
         answer(query);
       if (refused != 0 && options.fail_fast) break;
       if (!lines.are_at_hand()) flush_output();
     }
-    if (input.bad()) throw std::system_error(errno, std::generic_category(), "cannot read " + name);
     flush_output();
     if (options.stats) {
       std::chrono::duration<double> const took = std::chrono::steady_clock::now() - begin;
@@ -138,8 +96,8 @@ class Batch {
     ++refused;
     refusal.column += query.column - 1;
     if (settings.style.json) put(to_json(query.text, refusal) + '\n');
-    complain(name + ':' + std::to_string(number) + ':' + std::to_string(refusal.column) + ": " +
-             refusal.reason);
+    complain(options.file + ':' + std::to_string(number) + ':' + std::to_string(refusal.column) +
+             ": " + refusal.reason);
   }
 
   /// An object also tells its line.
@@ -151,7 +109,6 @@ class Batch {
     print(text);
   }
 
-  std::string name;
   BatchOptions const& options;
   Settings const& settings;
   Solver solver;
@@ -167,14 +124,7 @@ class Batch {
 }  // namespace
 
 bool run_batch(BatchOptions const& options, Settings const& settings) {
-  if (options.file == "-") {
-    std::ios::sync_with_stdio(false);
-    return Batch("-", options, settings).run(std::cin);
-  }
-  errno = 0;
-  std::ifstream file(options.file);
-  if (!file) throw std::system_error(errno, std::generic_category(), "cannot read " + options.file);
-  return Batch(options.file, options, settings).run(file);
+  return Batch(options, settings).run();
 }
 
 }  // namespace zelk::cli

@@ -14,6 +14,7 @@ plotting() { PATH=$scratch/bin:$PATH "$zelk" "$@"; }
 plotless() { PATH=/nowhere "$zelk" "$@"; }
 fed() { "$zelk" "$@" <"$scratch/queries"; }
 unheard() { "$zelk" "$@" >&-; }
+on_terminal() { SHELL=$BASH script -qec "$zelk $*" /dev/null; }
 cramped() (ulimit -v "$memory" && exec "$zelk" "$@")
 
 # ask QUESTION [HOW]: runs the command on the words that a shell makes of the question.
@@ -38,6 +39,7 @@ expect() {
 printed() { printf '%b\n' "$1" | cmp -s - "$scratch/out"; }
 mentions() { grep -qF -e "$2" "$scratch/$1"; }
 silent() { [[ ! -s $scratch/$1 ]]; }
+not() { ! "$@"; }
 exits() { [[ $status == "$1" ]]; }
 
 # between TRUTH WIDTH [descending]: two fractions, one per line, at most WIDTH apart, hold TRUTH.
@@ -228,12 +230,13 @@ expect printed '{"line":1,"query":"exp 0 3","lower":{"numerator":"1","denominato
 ask 'batch --stats -' fed
 expect exits 1
 expect mentions err '12 queries, 1 of them repeated, 7 refused'
-# A line is bounded, and the next is read all the same.
-{ head -c 17000000 /dev/zero | tr '\0' 1 && printf '\ncf 3/2\n'; } >"$scratch/long"
+# A line is bounded, unless it is long by a comment; the next is read all the same.
+ones() { head -c "$1" /dev/zero | tr '\0' 1; }
+{ printf 'cf 2#' && ones 17000000 && echo && ones 17000000 && printf '\ncf 3/2'; } >"$scratch/long"
 ask "batch '$scratch/long'"
 expect exits 1
-expect printed '[1; 2]'
-expect mentions err 'long:1:1: the line is longer than 16777216 bytes'
+expect printed '[2]\n[1; 2]'
+expect mentions err 'long:2:1: the line is longer than 16777216 bytes'
 ask '--json cf 1/0'
 expect exits 2
 expect printed '{"query":"cf 1/0","error":{"column":6,"message":"zero denominator"}}'
@@ -244,19 +247,40 @@ ask "batch '$scratch'"
 expect exits 3
 expect mentions err 'Is a directory'
 
-# Whoever stops reading is told nothing; whoever asks line by line is answered line by line.
+# Whoever stops reading is told nothing; whoever asks line by line is answered line by line, also
+# when the next line has begun already.
 yes 'cf 415/93' | "$zelk" batch 2>"$scratch/err" | head -1 >"$scratch/out" || true
 question='a pipe that closes'
 expect printed '[4; 2, 6, 7]'
 expect silent err
 coproc "$zelk" batch
 for digits in 1 2; do
-  echo "exp 0 $digits" >&"${COPROC[1]}"
+  printf 'exp 0 %s\n# un' "$digits" >&"${COPROC[1]}"
   read -r -t 20 line <&"${COPROC[0]}"
   expect test "$line" = '1 1'
+  echo finished >&"${COPROC[1]}"
 done
 exec {COPROC[1]}>&-
 wait
+
+# On a terminal diagnostics have colour, and a run longer than a second tells how far it has got.
+red=$'\e[1;31m'
+ask 'cf 1/0' on_terminal
+expect exits 2
+expect mentions out "${red}zelk:"
+NO_COLOR=1 ask 'cf 1/0' on_terminal
+expect mentions out 'zelk: "1/0"'
+expect not mentions out "$red"
+for pause in 0 1.1; do
+  printf 'echo cf 1; sleep %s; echo cf 1' "$pause" >"$scratch/slow"
+  ask "batch '< <(bash $scratch/slow) >$scratch/answers'" on_terminal
+  expect exits 0
+  if [[ $pause == 0 ]]; then
+    expect silent out
+  else
+    expect mentions out '2 lines, 0 answered before'
+  fi
+done
 
 # What gnuplot would be told: three points, each with the truth between its bounds.
 mkdir "$scratch/bin"

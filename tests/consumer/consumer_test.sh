@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Uses the library as other projects do: installs it, static and shared, moves the installations,
-# and builds and runs a program with them by CMake and by pkg-config; then as a subdirectory.
+# and builds and runs a program with them by CMake and by pkg-config; then the tutorial's program.
 # The environment may choose the compiler, CXX, and CMAKE_GENERATOR.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -63,6 +63,19 @@ helpers=$(nm -DC --defined-only moved/shared/lib/libzelk.so | grep -E ' [BDRT] '
   grep -vE " zelk::($public)" || true)
 [[ -z $helpers ]] || die "exported, though internal: $helpers"
 
-quietly cmake -S "$here/program" -B subdirectory -DZELK_CHECKOUT="$root" -DCMAKE_CXX_FLAGS=-O0
-quietly cmake --build subdirectory --parallel "$cores" --target consumer
-right subdirectory/consumer
+# The tutorial's own texts, its first program and what it prints: beside a checkout, and, as it goes
+# on to say, with an installation.
+tutorial=$root/docs/tutorial.md
+block() { sed -n '/^```'"$1"'$/,/^```$/{//!p; /^```$/q}' "$tutorial"; }
+mkdir first
+block cpp >first/first.cpp
+block cmake >first/CMakeLists.txt
+sed -n 's/^    \(\[3\.14.*\)/\1/p' "$tutorial" >expected
+ln -s "$root" zelk
+quietly cmake -S first -B first/beside -DCMAKE_CXX_FLAGS=-O0
+quietly cmake --build first/beside --parallel "$cores" --target first
+right first/beside/first
+sed -i 's/^add_subdirectory.*/find_package(zelk REQUIRED)/' first/CMakeLists.txt
+quietly cmake -S first -B first/installed -DCMAKE_PREFIX_PATH="$work/moved/static"
+quietly cmake --build first/installed
+right first/installed/first

@@ -6,8 +6,7 @@
 #include <stdexcept>
 
 #include "tests/support/random_number.h"
-#include "zelk/convert/gmp_classes.h"
-#include "zelk/convert/gmp_types.h"
+#include "zelk/convert/gmp.h"
 
 namespace zelk::convert {
 namespace {
