@@ -131,12 +131,11 @@ void plot_enclosures(Function function, PlotOptions const& options, Settings con
   }
   std::string const name(signature_of(function).name);
   script +=
-      "END\nset key top left\nset xlabel 'x'\n"
+      "END\nset key above maxrows 1\nset xlabel 'x'\n"
       "plot $bounds using 1:2:3 with filledcurves lc rgb '#9ec9e2' title '" +
-      name +
-      " x lies in here at each point drawn', '' using 1:2 with lines lc rgb '#1f6f9f' title 'lower "
-      "bound, " +
-      options.digits + " digits', '' using 1:3 with lines lc rgb '#c2571a' title 'upper bound'\n";
+      name + " x to " + options.digits +
+      " digits', '' using 1:2 with lines lc rgb '#1f6f9f' title 'lower bound', "
+      "'' using 1:3 with lines lc rgb '#c2571a' title 'upper bound'\n";
   draw(script, options.file);
 }
 
