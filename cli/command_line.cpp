@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <climits>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -62,6 +63,21 @@ class CommandLine {
   int status = 0;
 };
 
+constexpr char common[] = "Options of all commands";
+
+/// Help on a command ends with the options of all commands.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  std::string make_footer(CLI::App const* app) const override {
+    auto const footer = CLI::Formatter::make_footer(app);
+    auto const* top = app;
+    while (top->get_parent() != nullptr) top = top->get_parent();
+    if (top == app) return footer;
+    auto const is_common = [](CLI::Option const* option) { return option->get_group() == common; };
+    return make_group(common, false, top->get_options(is_common)) + '\n' + footer;
+  }
+};
+
 CLI::Option* add_flag(CLI::App& to, std::string const& name, bool& flag,
                       std::string const& description) {
   return to.add_flag(name, flag, description)->disable_flag_override();
@@ -76,10 +92,12 @@ CommandLine::CommandLine() {
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string("zelk " ZELK_VERSION ", GMP ") + gmp_version,
                        "Print the versions and exit");
+  app.formatter(std::make_shared<HelpFormatter>());
   app.get_formatter()->label("REQUIRED", "");
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   app.footer(epilogue);
 
+  app.option_defaults()->group(common);
   add_option(app, "--format", format, "FORMAT",
              "How numbers are printed: fraction (the default), decimal or both;\n"
              "decimal bounds are rounded outward");
@@ -91,6 +109,7 @@ CommandLine::CommandLine() {
   add_option(app, "--max-bits", max_bits, "N",
              "Refuse queries that would take more bits of memory, or work\n"
              "through more than a thousand times as many; by default 4000000000");
+  app.option_defaults()->group("Options");
   app.add_flag("--man-page")->group("");
   app.add_flag("--bash-completion")->group("");
 
@@ -110,9 +129,7 @@ CLI::App& CommandLine::add_command(std::string const& name, std::string const& d
 CLI::App& CommandLine::add_query(Function function, std::string const& description,
                                  std::string const& examples) {
   auto const& signature = signature_of(function);
-  auto& query = add_command(
-      std::string(signature.name), description,
-      examples + "\n`zelk --help` tells the options of all commands, such as --format and --json.");
+  auto& query = add_command(std::string(signature.name), description, examples);
   query.callback([this, function] { status = answer(function); });
   // CLI11 takes a dash and a digit for an option only if some option is named by that digit. None
   // is, so negative numbers pass as plain arguments in any place.
@@ -174,10 +191,9 @@ void CommandLine::add_batch() {
 }
 
 void CommandLine::add_plots() {
-  auto& command = add_command("plot", "Draw bounds or convergents as an SVG image",
+  auto& command = add_command("plot", "Draw bounds or convergents as an SVG image, with gnuplot",
                               "  zelk plot exp --from -1 --to 2 --output exp.svg\n"
-                              "  zelk plot convergents 3.14159265 --output pi.svg\n"
-                              "Needs gnuplot.");
+                              "  zelk plot convergents 3.14159265 --output pi.svg");
   command.require_subcommand(1);
   auto const add = [&](std::string const& name, std::string const& description) -> CLI::App& {
     auto* const kind = command.add_subcommand(name, description);

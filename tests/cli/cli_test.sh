@@ -166,6 +166,7 @@ done <<'TABLE'
 --version => , GMP 
 --help => zelk cf 415/93
 cf --help => --terms N
+plot convergents --help => --max-bits N
 exp --help => the larger comes first if X < 0
 exp abc --help => zelk exp
 TABLE
