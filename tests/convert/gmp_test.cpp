@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstddef>
 #include <stdexcept>
 
 #include "tests/support/random_number.h"
@@ -47,6 +48,13 @@ TEST(Gmp, GivesBackWhatItTook) {
     ASSERT_TRUE(same_parts(to_mpq_class(from_mpq(target)), exact)) << exact;
   }
 }
+
+template <class T>
+constexpr bool is_taken = requires(T x) {
+  from_mpz(x);
+};
+static_assert(is_taken<mpz_class> && is_taken<mpz_srcptr> && is_taken<IntegerView const&>);
+static_assert(!is_taken<int> && !is_taken<double> && !is_taken<std::nullptr_t>);
 
 TEST(Gmp, RefusesZeroDenominatorsAndIntegersThatAreNone) {
   mpq_class infinite;

@@ -1,6 +1,7 @@
 #include "zelk/convert/stream.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <iomanip>
 #include <iterator>
@@ -9,6 +10,7 @@
 #include <stdexcept>
 #include <streambuf>
 #include <string>
+#include <thread>
 
 #include "zelk/convert/text.h"
 
@@ -86,15 +88,20 @@ TEST(Stream, ReadsAsFarAsANumberGoes) {
   EXPECT_EQ(to_string(q), "-3/5");
 }
 
-/// Yields its text and then breaks.
+/// Yields its text and then breaks, or ends the thread that reads it.
 class Breaking : public std::streambuf {
  public:
-  explicit Breaking(std::string& text) {
+  explicit Breaking(std::string& text, bool ends = false) : ends_thread(ends) {
     setg(text.data(), text.data(), text.data() + text.size());
   }
 
  private:
-  int_type underflow() override { throw std::runtime_error("broken"); }
+  int_type underflow() override {
+    if (ends_thread) pthread_exit(nullptr);
+    throw std::runtime_error("broken");
+  }
+
+  bool ends_thread;
 };
 
 TEST(Stream, ReportsABrokenBufferAsTheStreamIsTold) {
@@ -115,6 +122,14 @@ TEST(Stream, ReportsABrokenBufferAsTheStreamIsTold) {
   std::istringstream in("1/0");
   in.exceptions(std::ios_base::failbit);
   EXPECT_THROW(in >> q, std::ios_base::failure);
+
+  // The whole process would end if the end of the thread were taken for an error.
+  std::thread([&] {
+    Breaking buffer(text, true);
+    std::istream ending(&buffer);
+    ending >> q;
+  }).join();
+  EXPECT_EQ(to_string(q), "-3/5");
 }
 
 }  // namespace

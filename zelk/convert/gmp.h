@@ -4,6 +4,7 @@
 #include <gmpxx.h>
 
 #include <stdexcept>
+#include <type_traits>
 
 #include "zelk/numbers/integer_view.h"
 #include "zelk/numbers/q_number.h"
@@ -17,6 +18,8 @@ namespace zelk::convert {
 
 /// `n`, in small form if it fits.
 inline QNumber from_mpz(mpz_srcptr n) { return QNumber::from_mpz(n, IntegerView(1)); }
+
+/// The same of the class.
 inline QNumber from_mpz(mpz_class const& n) { return from_mpz(n.get_mpz_t()); }
 
 /// The value of `q`, in small form if it fits. The fraction need not be canonical: common factors
@@ -27,7 +30,17 @@ inline QNumber from_mpq(mpq_srcptr q) {
   if (mpz_sgn(mpq_denref(q)) == 0) throw std::invalid_argument("zero denominator");
   return QNumber::from_mpz(mpq_numref(q), mpq_denref(q));
 }
+
+/// The same of the class.
 inline QNumber from_mpq(mpq_class const& q) { return from_mpq(q.get_mpq_t()); }
+
+/// Machine numbers: `mpz_class` would cut them to integers, and 0 is a null pointer too.
+template <class T>
+requires(std::is_arithmetic_v<T> || std::is_null_pointer_v<T>) QNumber from_mpz(T)
+= delete;
+template <class T>
+requires(std::is_arithmetic_v<T> || std::is_null_pointer_v<T>) QNumber from_mpq(T)
+= delete;
 
 /// Assigns the integer that `q` is. There is no rounding: that of quotients is `mpz_fdiv_q` and its
 /// kin, which take `q.numerator()` and `q.denominator()`.

@@ -1,5 +1,7 @@
 #include "zelk/convert/stream.h"
 
+#include <cxxabi.h>
+
 #include <cstddef>
 #include <istream>
 #include <ostream>
@@ -34,6 +36,14 @@ bool may_follow(std::string const& word, char c) {
   }
 }
 
+/// Sets badbit too, and leaves it to the caller to throw what says more than the stream would.
+void set_badbit(std::istream& in, std::ios_base::iostate state) {
+  try {
+    in.setstate(state | std::ios_base::badbit);
+  } catch (std::ios_base::failure const&) {
+  }
+}
+
 }  // namespace
 
 std::ostream& operator<<(std::ostream& out, QNumber const& q) {
@@ -46,7 +56,8 @@ std::ostream& operator<<(std::ostream& out, QNumber const& q) {
   return out << text;
 }
 
-std::istream& operator>>(std::istream& in, QNumber& q) {
+// The end of a thread has no object behind the reference by which it is caught.
+[[gnu::no_sanitize("null")]] std::istream& operator>>(std::istream& in, QNumber& q) {
   using Traits = std::istream::traits_type;
   std::istream::sentry const ready(in);
   if (!ready) return in;
@@ -64,14 +75,14 @@ std::istream& operator>>(std::istream& in, QNumber& q) {
     q = convert::parse_rational(word);
   } catch (convert::ParseError const&) {
     state |= std::ios_base::failbit;
+#ifdef __GLIBCXX__
+  } catch (abi::__forced_unwind const&) {
+    set_badbit(in, state);  // the thread is being cancelled, which nobody may stop
+    throw;
+#endif
   } catch (...) {
-    bool const expected = (in.exceptions() & std::ios_base::badbit) != 0;
-    try {
-      in.setstate(state | std::ios_base::badbit);
-    } catch (std::ios_base::failure const&) {
-      // The cause says more.
-    }
-    if (expected) throw;
+    set_badbit(in, state);
+    if ((in.exceptions() & std::ios_base::badbit) != 0) throw;
     return in;
   }
   in.setstate(state);
