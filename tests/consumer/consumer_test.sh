@@ -59,7 +59,8 @@ done
 
 # What programs can link to is what the headers mark, and no helper behind it.
 public='QNumber::|na::(Rational|PowerSeries)Approximator::|gcd_cache$|detail::remember_gcd\('
-helpers=$(nm -DC --defined-only moved/shared/lib/libzelk.so | grep -E ' [BDRT] ' |
+public+='|operator(<<|>>)\(|convert::((to|from|is|enclosing|parse)_[a-z]+|quoted)[[(]|convert::ParseError::'
+helpers=$(nm -DC --defined-only moved/shared/lib/libzelk{,_convert}.so | grep -E ' [BDRT] ' |
   grep -vE " zelk::($public)" || true)
 [[ -z $helpers ]] || die "exported, though internal: $helpers"
 
@@ -72,9 +73,11 @@ block cpp >first/first.cpp
 block cmake >first/CMakeLists.txt
 sed -n 's/^    \(\[3\.14.*\)/\1/p' "$tutorial" >expected
 ln -s "$root" zelk
-quietly cmake -S first -B first/beside -DCMAKE_CXX_FLAGS=-O0
-quietly cmake --build first/beside --parallel "$cores" --target first
-right first/beside/first
+for shared in OFF ON; do
+  quietly cmake -S first -B first/beside -DBUILD_SHARED_LIBS="$shared" -DCMAKE_CXX_FLAGS=-O0
+  quietly cmake --build first/beside --parallel "$cores" --target first
+  right first/beside/first
+done
 sed -i 's/^add_subdirectory.*/find_package(zelk REQUIRED)/' first/CMakeLists.txt
 quietly cmake -S first -B first/installed -DCMAKE_PREFIX_PATH="$work/moved/static"
 quietly cmake --build first/installed

@@ -16,6 +16,13 @@ namespace zelk::na {
 ///
 /// Every answer is a pair (lower, upper) unless said otherwise, and is computed once: a repeated
 /// query is one lookup. Nothing is ever dropped from the caches.
+///
+/// Cost of exp and sin at x = p/q, beyond a lookup: k terms, where k is about the least number with
+/// |x|^k/k! < 10^-prec, each a few products of a word or of p and q with integers that grow to the
+/// size of k! q^k, and one reduction in the end. There is no range reduction: k is never less than
+/// about 2.7 |x|. One summation makes bounds and derivative, whichever is asked for first.
+///
+/// Proofs and sources: docs/mathematics.md, sections 6 to 9.
 class ZELK_EXPORT PowerSeriesApproximator {
  public:
   /// (lower, upper) unless said otherwise.
@@ -48,7 +55,6 @@ class ZELK_EXPORT PowerSeriesApproximator {
 
   /// e^x, less than 10^-prec wide: partial sums of the Maclaurin series, closed for x > 0 by the
   /// tail estimate e^x <= S_k / (1 - x^k/k!), for x < 0 by the next, smaller term.
-  /// Cost: terms grow in number with |x| and prec; there is no range reduction.
   Bounds maclaurin_exp_bounds(QNumber const& x, unsigned prec);
 
   /// The bounding expressions of `maclaurin_exp_bounds`, each sum and each term in them replaced by
@@ -58,7 +64,8 @@ class ZELK_EXPORT PowerSeriesApproximator {
 
   /// sin x, less than 2 * 10^-prec wide: the Maclaurin polynomial, give or take the next power.
   /// The ends are not clipped to [-1, 1]. The summation goes on until it has also certified the
-  /// sign of sin x, so points near a multiple of pi take more terms than the tolerance needs.
+  /// sign of sin x: both ends have it, and points near a multiple of pi take more terms than the
+  /// tolerance needs.
   Bounds maclaurin_sin_bounds(QNumber const& x, unsigned prec);
 
   /// cos x, from the derivative of the sine's polynomial; its width is not bounded by prec.
@@ -67,10 +74,13 @@ class ZELK_EXPORT PowerSeriesApproximator {
   /// pi, at most 10^-prec wide, by Machin's formula pi = 16 arctan(1/5) - 4 arctan(1/239), both
   /// ends then replaced by the first pair of convergents of equal length that still holds pi
   /// within the tolerance.
+  ///
+  /// Cost: quadratic in prec, in time and in what `ra` keeps: some 1.8 convergents a digit, each of
+  /// up to prec digits.
   Bounds machin_pi_bounds(unsigned prec);
 
-  /// Sum, and store the finished record under (x, prec) or prec; a record already there is
-  /// assigned the same values.
+  /// Sum, at the cost given above even if the answer is known, and store the finished record under
+  /// (x, prec) or prec; a record already there is assigned the same values.
   void maclaurin_exp_compute(QNumber const& x, unsigned prec);
   void maclaurin_sin_compute(QNumber const& x, unsigned prec);
   void machin_pi_compute(unsigned prec);

@@ -17,6 +17,8 @@ namespace zelk::na {
 ///
 /// Precisions count terms, a0 included. Expansions and convergents are kept for as long as the
 /// approximator lives; neither is ever dropped or changed.
+///
+/// Proofs and sources: docs/mathematics.md, sections 3 to 5.
 class ZELK_EXPORT RationalApproximator {
  public:
   /// A number, the terms of its expansion found so far, and what is still to expand: 0 once the
@@ -56,7 +58,10 @@ class ZELK_EXPORT RationalApproximator {
   QNumber do_approx(QNumber const& q, unsigned prec);
 
   /// The first convergent from precision prec on that is an upper bound of q (dir > 0), a lower
-  /// bound of q (dir < 0), or simply the one at prec (dir = 0). Requires: as for `do_approx`.
+  /// bound of q (dir < 0), or simply the one at prec (dir = 0).
+  ///
+  /// Requires: as for `do_approx`. Cost: that of `do_approx` for each precision tried: where the
+  /// sides alternate two, at most one for each term.
   QNumber approx(QNumber const& q, unsigned prec, int dir);
 
   /// What has been answered and expanded so far.

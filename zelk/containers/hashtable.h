@@ -20,24 +20,32 @@ namespace zelk::hsh {
 /// `primes`, at first 31; before each insertion attempt a load above 0.7 grows the table to the
 /// next one, by the hashes that the nodes carry: a key is hashed once for each lookup or insertion,
 /// however often the table grows. A failed growth or insertion leaves every entry.
+///
+/// Cost: a lookup or insertion hashes once and compares the keys of one chain, on the average less
+/// than one for hashes that scatter; growth is a pass over all nodes, amortised constant.
+/// Source: separate chaining, Knuth, The Art of Computer Programming, 6.4.
 template <class Value, class GetKey, class Key, class Hash, class Eq>
 class Hashtable {
  public:
-  /// A node: the next one of its chain or null, an entry, and, once the node is in a chain, the
-  /// hash of the entry's key, which must not change any more.
+  /// A node of a chain.
   struct Bucket {
-    /// Set by the table.
+    /// The next node of the chain, or null.
     Bucket* next;
+    /// The entry. Its key must not change any more.
     Value value;
+    /// The hash of the entry's key, once the node is in a chain.
     std::uint64_t hash;
   };
 
   /// The result of a lookup; `node` is null at the end. Two are equal when their nodes are.
   struct iterator {
-    /// The array of chains and its length when the lookup was made, the entry's chain, its node.
+    /// The array of chains.
     std::vector<Bucket*>* table_buckets;
+    /// Its length when the lookup was made.
     std::size_t bucket_count;
+    /// Which chain the entry is in.
     std::size_t index;
+    /// The entry's node.
     Bucket* node;
 
     /// Whether both have the same node, or both none.
@@ -101,6 +109,8 @@ class Hashtable {
   /// Makes the bucket count the least of `primes` that is n or more (the largest of them when none
   /// is), unless it is n or more already. Entries that meet in a new chain stand in reverse order
   /// of the walk over the old one.
+  ///
+  /// Cost: a pass over all nodes, without hashing. Throws: std::bad_alloc; the table is as it was.
   void rehash(std::size_t n) {
     if (buckets.size() >= n) return;
     auto const* const least = std::lower_bound(primes.begin(), primes.end() - 1, n);

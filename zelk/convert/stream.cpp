@@ -57,7 +57,7 @@ std::ostream& operator<<(std::ostream& out, QNumber const& q) {
 }
 
 // The end of a thread has no object behind the reference by which it is caught.
-[[gnu::no_sanitize("null")]] std::istream& operator>>(std::istream& in, QNumber& q) {
+__attribute__((no_sanitize("null"))) std::istream& operator>>(std::istream& in, QNumber& q) {
   using Traits = std::istream::traits_type;
   std::istream::sentry const ready(in);
   if (!ready) return in;

@@ -11,7 +11,8 @@ namespace zelk {
 
 /// Writes `convert::to_string(q)` as one unit: padded with the fill character to the width, which
 /// is then reset, on the side that the adjustment says (`internal` pads between sign and digits).
-/// Base, showpos and precision have no influence.
+/// Base, showpos and precision have no influence. Cost: as `convert::to_string`; std::bad_alloc
+/// passes through whatever `out.exceptions()` says.
 ZELK_EXPORT std::ostream& operator<<(std::ostream& out, QNumber const& q);
 
 /// Reads a number as `convert::parse_rational` understands it, up to the first character that
@@ -23,6 +24,8 @@ ZELK_EXPORT std::ostream& operator<<(std::ostream& out, QNumber const& q);
 /// gone from the stream. eofbit is set when the end of the stream was met. As for every extraction,
 /// other exceptions (of the stream's buffer, or std::bad_alloc) set badbit, and pass through if
 /// `in.exceptions()` has that bit.
+///
+/// Cost: as `convert::parse_rational`.
 ZELK_EXPORT std::istream& operator>>(std::istream& in, QNumber& q);
 
 }  // namespace zelk

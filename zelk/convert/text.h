@@ -16,7 +16,7 @@ namespace zelk::convert {
 inline constexpr long max_decimal_exponent = 1'000'000;
 
 /// A text as messages show it: in quotes, of a long one only the surroundings of `column`,
-/// unprintable bytes as `\x..`. Requires: 1 <= column <= text.size() + 1.
+/// unprintable bytes as `\x..`. Requires: 1 <= column <= text.size() + 1. Cost: constant.
 ZELK_EXPORT std::string quoted(std::string_view text, std::size_t column = 1);
 
 /// The refusal of a text that is not a rational. `what()` names the text (shortened when long, its

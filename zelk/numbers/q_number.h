@@ -31,6 +31,13 @@ static_assert(GMP_NUMB_BITS == 64, "zelk needs a GMP with 64-bit limbs and no na
 /// assignment too, whatever values it takes later. One operation leads back: a big non-integer
 /// multiplied by a small zero becomes the small zero.
 ///
+/// Cost: in small form `+ - * / < ==` are a few machine instructions and at most two gcds of words,
+/// from `gcd_cache` when their operands are small; nothing is allocated and GMP is not called. In
+/// big form, with parts of n bits, sum, product, quotient and construction from two integers take
+/// gcds and so O(M(n) log n), where M(n) is the time of GMP's multiplication; `self_decompose` and
+/// a comparison take O(M(n)) at most; everything else is linear. Fractions are added and multiplied
+/// with as few and as short gcds as can be (Knuth, The Art of Computer Programming, 4.5.1).
+///
 /// Zero denominators, division by zero and the inverse of zero are the caller's to avoid; debug
 /// builds assert. When a block cannot be had, `std::bad_alloc` is thrown and the target keeps its
 /// value. GMP ends the process when it cannot get memory for the digits themselves.
@@ -223,7 +230,7 @@ class ZELK_EXPORT QNumber {
   }
 
   /// By value, whatever the forms. Cost: for big forms a look at the leading bits nearly always,
-  /// two products when those do not tell.
+  /// two products when those do not tell (docs/mathematics.md, section 10).
   friend bool operator<(QNumber const& a, QNumber const& b) {
     if (!a.is_small_with(b)) [[unlikely]]
       return less_big(a, b);
