@@ -25,6 +25,12 @@ Word stripped(std::string_view line) {
   return {line.substr(first, line.find_last_not_of(blanks) - first + 1), first + 1};
 }
 
+/// Some editors put a byte order mark before the first line.
+std::string_view without_mark(std::string_view line) {
+  constexpr std::string_view mark = "\xef\xbb\xbf";
+  return line.starts_with(mark) ? line.substr(mark.size()) : line;
+}
+
 struct TextHash : std::hash<std::string_view> {
   using is_transparent = void;
 };
@@ -40,7 +46,7 @@ class Batch {
     for (Lines lines(options.file); lines.next();) {
       ++number;
       progress.show(number, repeated);
-      Word const query = stripped(lines.text());
+      Word const query = stripped(number == 1 ? without_mark(lines.text()) : lines.text());
       // What a long comment leaves is whole all the same.
       bool const is_cut = lines.is_cut() && lines.text().find('#') == std::string_view::npos;
       if (is_cut || !query.text.empty()) ++queries;
@@ -86,8 +92,7 @@ class Batch {
 
   std::string compute(std::string_view text) {
     Query const query = parse_query(split_query(text));
-    settings.limits.check(query, places_of(query, settings.style));
-    Answer const answer = solver.answer(query);
+    Answer const answer = solver.answer(query, places_of(query, settings.style));
     if (settings.style.json) return to_json(text, query, answer, settings.style) + '\n';
     return to_text(query, answer, settings.style, " ", "; ") + '\n';
   }
@@ -111,7 +116,7 @@ class Batch {
 
   BatchOptions const& options;
   Settings const& settings;
-  Solver solver;
+  Solver solver{settings.limits};
   // All finished answers by the text of their query: a repeated one is one lookup, whatever the
   // tables of the library make of its point.
   std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> finished;

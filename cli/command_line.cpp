@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <climits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -53,8 +54,9 @@ class CommandLine {
 
   CLI::App app{"Exact rationals: continued fractions, convergents, and guaranteed bounds", "zelk"};
   Settings settings;
-  std::string format, places, max_digits, max_bits;
-  std::string number, count, terms;
+  std::optional<std::string> format, places, max_digits, max_bits;
+  std::string number, count;
+  std::optional<std::string> terms;
   bool lower = false;
   bool upper = false;
   bool derivative = false;
@@ -65,9 +67,15 @@ class CommandLine {
 
 constexpr char common[] = "Options of all commands";
 
-/// Help on a command ends with the options of all commands.
+/// Help on a command ends with the options of all commands. What is required or excluded stands in
+/// the descriptions.
 class HelpFormatter : public CLI::Formatter {
  public:
+  std::string make_option_opts(CLI::Option const* option) const override {
+    auto const type = option->get_positional() ? "" : option->get_type_name();
+    return type.empty() ? "" : ' ' + type;
+  }
+
   std::string make_footer(CLI::App const* app) const override {
     auto const footer = CLI::Formatter::make_footer(app);
     auto const* top = app;
@@ -83,8 +91,9 @@ CLI::Option* add_flag(CLI::App& to, std::string const& name, bool& flag,
   return to.add_flag(name, flag, description)->disable_flag_override();
 }
 
-CLI::Option* add_option(CLI::App& to, std::string const& name, std::string& text,
-                        std::string const& type, std::string const& description) {
+template <class Text>
+CLI::Option* add_option(CLI::App& to, std::string const& name, Text& text, std::string const& type,
+                        std::string const& description) {
   return to.add_option(name, text, description)->type_name(type);
 }
 
@@ -93,7 +102,6 @@ CommandLine::CommandLine() {
   app.set_version_flag("--version", std::string("zelk " ZELK_VERSION ", GMP ") + gmp_version,
                        "Print the versions and exit");
   app.formatter(std::make_shared<HelpFormatter>());
-  app.get_formatter()->label("REQUIRED", "");
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   app.footer(epilogue);
 
@@ -102,7 +110,8 @@ CommandLine::CommandLine() {
              "How numbers are printed: fraction (the default), decimal or both;\n"
              "decimal bounds are rounded outward");
   add_option(app, "--digits-out", places, "N",
-             "Decimal places to print, by default DIGITS + 2, or 20");
+             "Decimal places to print, by default DIGITS + 2, or 20; alone it\n"
+             "means --format decimal too");
   add_flag(app, "--json", settings.style.json, "Print each answer as a JSON object on one line");
   add_option(app, "--max-digits", max_digits, "N",
              "Refuse queries for more DIGITS, by default 100000");
@@ -110,8 +119,6 @@ CommandLine::CommandLine() {
              "Refuse queries that would take more bits of memory, or work\n"
              "through more than a thousand times as many; by default 4000000000");
   app.option_defaults()->group("Options");
-  app.add_flag("--man-page")->group("");
-  app.add_flag("--bash-completion")->group("");
 
   add_queries();
   add_batch();
@@ -139,7 +146,7 @@ CLI::App& CommandLine::add_query(Function function, std::string const& descripti
   if (!signature.count.empty())
     add_option(query, std::string(signature.count), count, "",
                signature.count == "TERMS" ? "How many terms, at least 1 unless Q is an integer"
-                                          : "Decimal digits: the tolerance is 10^-DIGITS")
+                                          : "Decimal digits, which say how close the bounds are")
         ->required();
   if (signature.takes_terms) add_option(query, "--terms", terms, "N", "Only the first N");
   return query;
@@ -155,23 +162,25 @@ void CommandLine::add_queries() {
       add_query(Function::approx, "The convergent of Q after TERMS terms of its continued fraction",
                 "  zelk approx 415/93 2          9/2\n"
                 "  zelk approx 415/93 2 --lower  58/13");
-  add_flag(approx, "--lower", lower, "The first one from there on that is at most Q")
-      ->excludes(
-          add_flag(approx, "--upper", upper, "The first one from there on that is at least Q"));
+  add_flag(approx, "--lower", lower,
+           "The first one from there on that is at most Q; not with --upper")
+      ->excludes(add_flag(approx, "--upper", upper,
+                          "The first one from there on that is at least Q; not with --lower"));
   add_query(Function::convergents, "All convergents of Q, each with its side of Q and its distance",
             "  zelk convergents 415/93 --terms 2   4 < 43/93 and 9/2 > 7/186");
 
-  auto& exp = add_query(Function::exp, "Bounds of e^X, one per line",
+  auto& exp = add_query(Function::exp, "Bounds of e^X less than 10^-DIGITS apart, one per line",
                         "  zelk exp 1 20\n  zelk exp -7/2 10 --derivative");
   add_flag(exp, "--derivative", derivative,
            "Companion bounds for the derivative instead, again e^X, of\n"
            "any width; the larger comes first if X < 0");
-  auto& sin = add_query(Function::sin, "Bounds of sin X, one per line",
+  auto& sin = add_query(Function::sin, "Bounds of sin X less than 2*10^-DIGITS apart, one per line",
                         "  zelk sin 1/2 20\n  zelk sin -3.25 10 --derivative");
   add_flag(sin, "--derivative", derivative, "Bounds of the derivative cos X instead, of any width");
-  auto& cos = add_query(Function::cos, "Bounds of cos X, one per line", "  zelk cos 1/2 20");
+  auto& cos = add_query(Function::cos, "Bounds of cos X less than 2*10^-DIGITS apart, one per line",
+                        "  zelk cos 1/2 20");
   add_flag(cos, "--derivative", derivative, "Bounds of the derivative -sin X instead");
-  add_query(Function::pi, "Bounds of pi, one per line", "  zelk pi 20");
+  add_query(Function::pi, "Bounds of pi at most 10^-DIGITS apart, one per line", "  zelk pi 20");
 }
 
 void CommandLine::add_batch() {
@@ -179,9 +188,9 @@ void CommandLine::add_batch() {
       "batch", "Answer a query a line, an answer a line",
       "  printf 'exp 1/2 10\\ncf 415/93 --terms 2\\n' | zelk batch\n"
       "  zelk batch --json queries.txt > answers.jsonl\n"
-      "A line reads as the command line does without the name zelk. Blank lines and what\n"
-      "follows a # do not count. A query that is not answered gets a line on standard error,\n"
-      "with its place in the file, and the rest is still answered.");
+      "A line reads as the command line does without the name zelk and without the options of\n"
+      "all commands. Blank lines and what follows a # do not count. A query that is not answered\n"
+      "gets a line on standard error, FILE:LINE:COLUMN: REASON, and the rest is still answered.");
   add_option(command, "FILE", batch.file, "", "The queries; - or none is standard input");
   add_flag(command, "--fail-fast", batch.fail_fast, "Stop at the first query not answered");
   add_flag(command, "--stats", batch.stats,
@@ -199,7 +208,7 @@ void CommandLine::add_plots() {
     auto* const kind = command.add_subcommand(name, description);
     kind->fallthrough()->group("Pictures");
     add_option(*kind, "-o,--output", plot.file, "FILE",
-               "Where the image goes; - is standard output")
+               "Where the image goes, required; - is standard output")
         ->required();
     return *kind;
   };
@@ -224,19 +233,22 @@ void CommandLine::read_settings() {
   };
   constexpr std::pair<std::string_view, Format> formats[] = {
       {"fraction", Format::fraction}, {"decimal", Format::decimal}, {"both", Format::both}};
-  if (!format.empty()) {
+  if (format) {
     auto const* const known =
-        std::ranges::find(formats, format, &std::pair<std::string_view, Format>::first);
+        std::ranges::find(formats, *format, &std::pair<std::string_view, Format>::first);
     if (known == std::end(formats))
-      refuse(convert::quoted(format) + ": expected fraction, decimal or both");
+      refuse(convert::quoted(*format) + ": expected fraction, decimal or both");
     settings.style.format = known->second;
   }
-  if (!places.empty()) settings.style.places = parse_count(Word{places});
-  if (!max_digits.empty()) settings.limits.max_digits = parse_count(Word{max_digits});
-  if (!max_bits.empty())
-    settings.limits.max_bits = static_cast<double>(parse_whole(Word{max_bits}, LONG_MAX));
+  if (places) {
+    settings.style.places = parse_count(Word{*places});
+    if (!format) settings.style.format = Format::decimal;
+  }
+  if (max_digits) settings.limits.max_digits = parse_count(Word{*max_digits});
+  if (max_bits)
+    settings.limits.max_bits = static_cast<double>(parse_whole(Word{*max_bits}, LONG_MAX));
   if (settings.style.places > settings.limits.max_digits)
-    refuse("--digits-out " + places + " is more than --max-digits " +
+    refuse("--digits-out " + *places + " is more than --max-digits " +
            std::to_string(settings.limits.max_digits));
 }
 
@@ -250,9 +262,9 @@ int CommandLine::answer(Function function) {
   };
   if (!signature.number.empty()) text.number = append(number);
   if (!signature.count.empty()) text.count = append(count);
-  if (!terms.empty()) {
+  if (terms) {
     line += " --terms";
-    text.terms = append(terms);
+    text.terms = append(*terms);
   }
   for (auto const& [flag, option] :
        {std::pair(lower, " --lower"), {upper, " --upper"}, {derivative, " --derivative"}})
@@ -260,8 +272,7 @@ int CommandLine::answer(Function function) {
 
   try {
     Query const query = parse_query(text);
-    settings.limits.check(query, places_of(query, settings.style));
-    Answer const answer = Solver().answer(query);
+    Answer const answer = Solver(settings.limits).answer(query, places_of(query, settings.style));
     print(settings.style.json ? to_json(line, query, answer, settings.style)
                               : to_text(query, answer, settings.style, "\n", "\n"));
     print("\n");

@@ -1,6 +1,8 @@
 #include "cli/manual.h"
 
 #include <CLI/CLI.hpp>
+#include <set>
+#include <string>
 #include <string_view>
 
 namespace zelk::cli {
@@ -31,10 +33,18 @@ void describe_options(CLI::App const& app, std::string& page) {
   }
 }
 
+/// How the command is called, as its help says.
+std::string usage_of(CLI::App const& command, std::string const& path) {
+  std::string const help = command.help(path);
+  auto const begin = help.find("Usage: ");
+  return help.substr(begin, help.find('\n', begin) - begin);
+}
+
 void describe_commands(CLI::App const& app, std::string const& path, std::string& page) {
   for (auto const* const command : app.get_subcommands({})) {
     std::string const name = path + ' ' + command->get_name();
-    page += ".SS " + escaped(name.substr(1)) + '\n' + escaped(command->get_description()) + ".\n";
+    page += ".SS " + escaped(name.substr(1)) + '\n' + escaped(command->get_description()) + ".\n" +
+            literal(usage_of(*command, "zelk" + path));
     describe_options(*command, page);
     if (auto const footer = command->get_footer(); !footer.empty())
       page += ".PP\n" + literal(footer);
@@ -42,32 +52,45 @@ void describe_commands(CLI::App const& app, std::string const& path, std::string
   }
 }
 
-std::string commands_of(CLI::App const& app) {
-  std::string names;
-  for (auto const* const command : app.get_subcommands({})) names += command->get_name() + ' ';
-  return names;
+using Names = std::set<std::string>;
+
+/// All in one, each followed by `end`.
+std::string joined(Names const& names, char const* end) {
+  std::string text;
+  for (auto const& name : names) text += name + end;
+  return text;
 }
 
-/// The long options, all or those with a value, and then separated otherwise.
-std::string options_of(CLI::App const& app, bool with_value_only, char const* separator) {
-  std::string names;
-  for (auto const* const option : app.get_options())
-    if (!option->get_positional() && !option->get_group().empty() &&
-        (!with_value_only || option->get_items_expected_max() > 0))
-      for (auto const& name : option->get_lnames()) names += "--" + name + separator;
-  return names;
+/// What can be written after the command: commands of its own, and its options.
+Names words_after(CLI::App const& command) {
+  Names words;
+  for (auto const* const next : command.get_subcommands({})) words.insert(next->get_name());
+  for (auto const* const option : command.get_options())
+    for (auto const& name : option->get_lnames()) words.insert("--" + name);
+  return words;
 }
 
-/// What can come after each command, and in `valued` all options with a value.
-void complete(CLI::App const& app, std::string const& path, std::string& cases,
-              std::string& valued) {
-  valued += options_of(app, true, "|");
-  for (auto const* const command : app.get_subcommands({})) {
-    std::string const name = path + command->get_name();
-    cases += "    " + name + ") words='" + commands_of(*command) +
-             options_of(*command, false, " ") + "' ;;\n";
-    complete(*command, name + '-', cases, valued);
+/// The options with a value, of the command and of all below it.
+void add_options_with_value(CLI::App const& command, Names& names) {
+  for (auto const* const option : command.get_options()) {
+    if (option->get_items_expected_max() == 0) continue;
+    for (auto const& name : option->get_lnames()) names.insert("--" + name);
+    for (auto const& name : option->get_snames()) names.insert("-" + name);
   }
+  for (auto const* const next : command.get_subcommands({})) add_options_with_value(*next, names);
+}
+
+/// The branches of a shell's `case` that set `words` to what can be written after each command.
+std::string branches(CLI::App const& command, std::string const& path, Names const& common) {
+  std::string text;
+  for (auto const* const next : command.get_subcommands({})) {
+    std::string const name = path + next->get_name();
+    Names words = words_after(*next);
+    words.insert(common.begin(), common.end());
+    text += "    " + name + ") words='" + joined(words, " ") + "' ;;\n";
+    text += branches(*next, name + '-', common);
+  }
+  return text;
 }
 
 }  // namespace
@@ -91,45 +114,55 @@ std::string man_page(CLI::App const& app) {
 }
 
 std::string bash_completion(CLI::App const& app) {
-  std::string cases, valued;
-  complete(app, "", cases, valued);
-  return "# bash completion for zelk\n"
-         "_zelk() {\n"
-         "  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}\n"
-         "  local path='' word skip=false words='" +
-         commands_of(app) +
-         "'\n"
-         "  case $previous in\n"
-         "    --format) mapfile -t COMPREPLY < <(compgen -W 'fraction decimal both' -- "
-         "\"$current\"); return ;;\n"
-         "    -o|--output) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "
-         "\"$current\"); return ;;\n"
-         "    " +
-         valued +
-         "-) return ;;\n"
-         "  esac\n"
-         "  for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
-         "    if $skip; then skip=false; continue; fi\n"
-         "    case $word in\n"
-         "      -o|" +
-         valued +
-         "-) skip=true ;;\n"
-         "      -*|*[0-9]*) ;;\n"
-         "      *) if [[ $path == plot ]]; then path=plot-$word; else path=${path:-$word}; fi ;;\n"
-         "    esac\n"
-         "  done\n"
-         "  case $path in\n" +
-         cases +
-         "  esac\n"
-         "  mapfile -t COMPREPLY < <(compgen -W \"$words " +
-         options_of(app, false, " ") +
-         "\" -- \"$current\")\n"
-         "  if [[ $path == batch ]]; then\n"
-         "    compopt -o filenames\n"
-         "    mapfile -t -O \"${#COMPREPLY[@]}\" COMPREPLY < <(compgen -f -- \"$current\")\n"
-         "  fi\n"
-         "}\n"
-         "complete -F _zelk zelk\n";
+  Names common;
+  for (auto const* const option : app.get_options())
+    if (option->get_group() != "Options")  // which are its own alone
+      for (auto const& name : option->get_lnames()) common.insert("--" + name);
+  Names valued;
+  add_options_with_value(app, valued);
+  auto patterns = joined(valued, "|");
+  patterns.pop_back();
+
+  return R"bash(# bash completion for zelk
+_zelk() {
+  local current=${COMP_WORDS[COMP_CWORD]} option='' path='' word words i
+  # Bash takes --option=value for three words.
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    word=${COMP_WORDS[i]}
+    if [[ $option ]]; then
+      [[ $word == = ]] || option=''
+      continue
+    fi
+    case $word in
+      )bash" +
+         patterns + R"bash() option=$word ;;
+      -*|*[0-9]*) ;;
+      *) if [[ $path == plot ]]; then path=plot-$word; else path=${path:-$word}; fi ;;
+    esac
+  done
+  [[ $current != = ]] || current=''
+  case $option in
+    '') ;;
+    --format)
+      mapfile -t COMPREPLY < <(compgen -W 'fraction decimal both' -- "$current")
+      return ;;
+    -o|--output)
+      compopt -o filenames
+      mapfile -t COMPREPLY < <(compgen -f -- "$current")
+      return ;;
+    *) return ;;
+  esac
+  case $path in
+    '') words=')bash" +
+         joined(words_after(app), " ") + "' ;;\n" + branches(app, "", common) + R"bash(  esac
+  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  if [[ $path == batch ]]; then
+    compopt -o filenames
+    mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current")
+  fi
+}
+complete -F _zelk zelk
+)bash";
 }
 
 }  // namespace zelk::cli

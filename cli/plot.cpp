@@ -5,23 +5,33 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <system_error>
 
 #include "cli/solver.h"
 #include "cli/terminal.h"
-#include "zelk/convert/decimal.h"
+#include "zelk/convert/machine.h"
 #include "zelk/convert/text.h"
 
 namespace zelk::cli {
 namespace {
 
-constexpr unsigned places = 12;  // more than an image shows
+/// As gnuplot takes it.
+double coordinate(QNumber const& q) {
+  double const x = convert::to_double(q, convert::Rounding::nearest);
+  if (std::isinf(x))
+    throw Refusal(Refusal::Kind::unanswerable, 1, "", "some numbers are too large to be drawn");
+  return x;
+}
 
 std::string show(QNumber const& q) {
-  return convert::to_decimal(q, places, convert::Rounding::nearest);
+  char text[32];
+  return {text, std::to_chars(text, std::end(text), coordinate(q)).ptr};
 }
 
 /// log10 of a positive number of any size, near enough for an image.
@@ -69,19 +79,20 @@ class TemporaryFile {
   std::string const& name() const { return path; }
 
  private:
-  std::string path = "/tmp/zelk-plot-XXXXXX";
+  std::string path = std::filesystem::temp_directory_path() / "zelk-plot-XXXXXX";
   int descriptor;
 };
 
-/// What gnuplot makes of the script. Names given by people enter neither the script nor the shell.
+/// What gnuplot makes of the script, whatever its user has set for other images. Names given by
+/// people enter neither the script nor the shell.
 std::string drawn(std::string const& script) {
   TemporaryFile const file;
   write(script, file.name());
 
   std::string image;
-  std::FILE* const gnuplot = popen(
-      ("command -v gnuplot >/dev/null || exit 127; exec gnuplot " + file.name() + " 2>&1").c_str(),
-      "r");
+  setenv("ZELK_PLOT", file.name().c_str(), 1);
+  std::FILE* const gnuplot =
+      popen("command -v gnuplot >/dev/null || exit 127; exec gnuplot -d \"$ZELK_PLOT\" 2>&1", "r");
   if (gnuplot == nullptr) fail(errno, "cannot start gnuplot");
   char buffer[4096];
   while (auto const size = std::fread(buffer, 1, sizeof buffer, gnuplot))
@@ -116,17 +127,25 @@ void plot_enclosures(Function function, PlotOptions const& options, Settings con
   if (points < 2 || points > 100'000)
     throw Refusal(Refusal::Kind::malformed, 1, "",
                   "--points " + options.points + ": from 2 to 100000 points can be drawn");
-  if (!(from < to))
+  // Gnuplot needs some of the 53 bits of a double for its axes.
+  double const end = std::max(std::abs(coordinate(from)), std::abs(coordinate(to)));
+  if (!(from < to) || coordinate(to - from) < 1e-9 * end)
     throw Refusal(Refusal::Kind::malformed, 1, "",
-                  "the range from " + options.from + " to " + options.to + " is empty");
-
-  std::string script = std::string(preamble) + "$bounds << END\n";
-  Solver solver;
+                  "the range from " + options.from + " to " + options.to +
+                      (from < to ? " is too narrow to be drawn" : " is empty"));
   QNumber const step = (to - from) / QNumber(points - 1L);
+  Demand all = {0, 0};
   for (unsigned i = 0; i < points; ++i) {
     query.number = from + QNumber(i) * step;
-    settings.limits.check(query, places);
-    auto const [lower, upper] = std::get<Bounds>(solver.answer(query));
+    all.worked_through += settings.limits.check(query, 0).worked_through;
+  }
+  settings.limits.check(all);
+
+  std::string script = std::string(preamble) + "$bounds << END\n";
+  Solver solver(settings.limits);
+  for (unsigned i = 0; i < points; ++i) {
+    query.number = from + QNumber(i) * step;
+    auto const [lower, upper] = std::get<Bounds>(solver.answer(query, 0));
     script += show(query.number) + ' ' + show(lower) + ' ' + show(upper) + '\n';
   }
   std::string const name(signature_of(function).name);
@@ -141,8 +160,8 @@ void plot_enclosures(Function function, PlotOptions const& options, Settings con
 
 void plot_convergents(PlotOptions const& options, Settings const& settings) {
   Query const query = query_of(Function::convergents, options.number, "");
-  settings.limits.check(query, places);
-  auto const convergents = std::get<std::vector<Convergent>>(Solver().answer(query));
+  auto const convergents =
+      std::get<std::vector<Convergent>>(Solver(settings.limits).answer(query, 0));
   if (convergents.size() == 1)
     throw Refusal(Refusal::Kind::unanswerable, 1, "",
                   convert::quoted(options.number) + ": an integer has no convergents to draw");

@@ -16,12 +16,16 @@ QNumber width_of(unsigned digits) {
 
 }  // namespace
 
-Answer Solver::answer(Query const& query) {
-  if (answers == answers_of_a_pair) {
+Answer Solver::answer(Query const& query, unsigned places) {
+  double const more = limits.check(query, places).held;
+  if (!approximators || answers == answers_of_a_pair || held + more > limits.max_bits) {
+    approximators.reset();
     approximators = std::make_unique<Approximators>();
     answers = 0;
+    held = 0;
   }
   ++answers;
+  held += more;
   auto& [rational, series] = *approximators;
   auto const& [function, x, count, direction, derivative] = query;
   switch (function) {

@@ -5,6 +5,7 @@
 #include <variant>
 #include <vector>
 
+#include "cli/limits.h"
 #include "cli/query.h"
 #include "zelk/approx/power_series_approximator.h"
 #include "zelk/approx/rational_approximator.h"
@@ -26,11 +27,15 @@ using Answer = std::variant<Terms, QNumber, std::vector<Convergent>, Bounds>;
 /// Asks the library, through one pair of approximators at a time.
 class Solver {
  public:
-  Answer answer(Query const& query);
+  explicit Solver(Limits const& solver_limits) : limits(solver_limits) {}
+
+  /// The answer, to be printed with `places` decimals. Throws: Refusal, beyond the limits.
+  Answer answer(Query const& query, unsigned places);
 
  private:
   // The tables of the library put all points of one denominator in one chain, so whoever keeps the
-  // finished answers elsewhere does well to begin again before such a chain is long.
+  // finished answers elsewhere does well to begin again before such a chain is long; and before
+  // the tables together hold what a single query may.
   static constexpr unsigned answers_of_a_pair = 1000;
 
   struct Approximators {
@@ -42,8 +47,10 @@ class Solver {
   std::vector<Convergent> convergents(Query const& query);
   Bounds cosine(QNumber const& x, unsigned digits);
 
+  Limits const& limits;
   std::unique_ptr<Approximators> approximators;
-  unsigned answers = answers_of_a_pair;
+  unsigned answers = 0;  // of this pair
+  double held = 0;       // by it, in bits
 };
 
 }  // namespace zelk::cli

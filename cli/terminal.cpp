@@ -18,26 +18,39 @@ void erase_progress() {
   if (std::exchange(progress_shown, false)) std::fputs("\r\033[K", stderr);
 }
 
-[[noreturn]] void fail() {
-  throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
+/// Why some results could not be written, while that could not be told.
+int lost = 0;
+
+[[noreturn]] void fail(int reason) {
+  throw std::system_error(reason, std::generic_category(), "cannot write to standard output");
 }
 
 }  // namespace
 
 void print(std::string_view text) {
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) fail();
+  if (lost != 0) fail(lost);
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) fail(errno);
 }
 
 void flush_output() {
-  if (std::fflush(stdout) != 0) fail();
+  if (lost != 0) fail(lost);
+  if (std::fflush(stdout) != 0) fail(errno);
 }
 
 void complain(std::string_view message) {
   char const* const no_color = std::getenv("NO_COLOR");
   bool const coloured = isatty(STDERR_FILENO) != 0 && (no_color == nullptr || *no_color == '\0');
   std::string line = coloured ? "\033[1;31mzelk:\033[0m " : "zelk: ";
-  line.append(message) += '\n';
-  std::fflush(stdout);
+  for (char const c : message) {
+    bool const is_control = (c >= 0 && c < ' ') || c == 0x7f;
+    constexpr char digits[] = "0123456789abcdef";
+    if (is_control)
+      line += {'\\', 'x', digits[c / 16], digits[c % 16]};
+    else
+      line += c;
+  }
+  line += '\n';
+  if (std::fflush(stdout) != 0 && lost == 0) lost = errno;
   erase_progress();
   std::fwrite(line.data(), 1, line.size(), stderr);
 }

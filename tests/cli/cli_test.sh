@@ -13,9 +13,9 @@ plainly() { "$zelk" "$@"; }
 plotting() { PATH=$scratch/bin:$PATH "$zelk" "$@"; }
 plotless() { PATH=/nowhere "$zelk" "$@"; }
 fed() { "$zelk" "$@" <"$scratch/queries"; }
-unheard() { "$zelk" "$@" >&-; }
+unheard() { "$zelk" "$@" <"$scratch/queries" >/dev/full; }
 on_terminal() { SHELL=$BASH script -qec "$zelk $*" /dev/null; }
-cramped() (ulimit -v "$memory" && exec "$zelk" "$@")
+cramped() (ulimit -v "$memory" && exec "$zelk" "$@" <"$scratch/queries")
 
 # ask QUESTION [HOW]: runs the command on the words that a shell makes of the question.
 ask() {
@@ -83,7 +83,8 @@ convergents 0 => 0 = 0
 exp 0 7 => 1\n1
 sin 0 7 => 0\n0
 cos 0 7 --derivative => 0\n0
-approx 415/93 2 --format decimal --digits-out 3 => 4.500
+approx 415/93 2 --digits-out 3 => 4.500
+approx 415/93 2 --digits-out 3 --format fraction => 9/2
 exp -1/2 2 --format both --digits-out 3 => 29/48\n233/384\n[0.604, 0.607]
 exp --format decimal 0 1 => [=1.000, =1.000]
 cf 415/93 --terms=2 --json => {"query":"cf 415/93 --terms 2","terms":["4","2"]}
@@ -129,6 +130,9 @@ exp 1e9 3 => 1 would take about
 sin -1e1000000 3 => 1 would take about
 pi 10000 => 1 would take about
 exp 1e6 3 => 1 would work through about
+approx 1/3 1 --max-digits 400000000 --digits-out 400000000 => 1 would take about
+plot exp -o x.svg --from -60000 --to 60000 => 1 would work through about
+plot exp -o x.svg --to 1e400 => 1 too large to be drawn
 cf 1e-9999 --max-bits 1000 => 1 would take about
  => 2 a command is required
 log 2 5 => 2 log
@@ -140,12 +144,16 @@ cf 1 --bogus => 2 --bogus
 cf -.5 => 2 unexpected argument: -.5
 cf '' => 2 "": column 1
 cf 1/0 => 2 "1/0": column 3: zero denominator
+cf 1 $'a\nb' => 2 unexpected argument: a\x0ab
+cf 1 --terms '' => 2 "": expected a whole number
+cf 1 --max-bits '' => 2 "": expected a whole number
 cf 1 --format roman => 2 "roman": expected fraction, decimal or both
 cf 1 --digits-out 100001 => 2 --digits-out 100001 is more than --max-digits 100000
 cf 1 --max-bits many => 2 "many": expected a whole number
 plot exp => 2 --output is required
 plot exp -o x.svg --from 2 --to 1 => 2 the range from 2 to 1 is empty
 plot exp -o x.svg --points 1 => 2 --points 1
+plot sin -o x.svg --from 3.14159265358979 --to 3.14159265358980 => 2 too narrow to be drawn
 cf 1 --terms 0 => 2 --terms 0
 cf 1 --terms -2 => 2 "-2": a count cannot be negative
 cf 1 --terms 2 --terms 3 => 2 --terms
@@ -171,7 +179,9 @@ exp --help => the larger comes first if X < 0
 exp abc --help => zelk exp
 TABLE
 
-for row in 'pi 5' --help --version; do
+# What cannot be written is told, also when something else was to be told before.
+printf '%s\n' 'cf 5' 'cf 1/0' 'cf 6' >"$scratch/queries"
+for row in 'pi 5' --help --version '--json cf 1/0' 'batch -' 'batch --json --fail-fast -'; do
   ask "$row" unheard
   expect exits 3
   expect mentions err 'cannot write to standard output'
@@ -187,9 +197,29 @@ for command in '' cf approx convergents exp sin cos pi batch plot 'plot exp' 'pl
     expect grep -qF -e "$option" "$scratch/manual"
   done
 done
+
+# What the completion offers at the end of a line, as bash cuts it into words, for a beginning.
 ask --bash-completion
-expect exits 0
-expect bash -n "$scratch/out"
+cp "$scratch/out" "$scratch/completion"
+while IFS= read -r row; do
+  question="completion of ${row%% => *}"
+  read -ra words <<<"${row%% => *}"
+  # shellcheck disable=SC2016 # for the other shell
+  bash -c 'compopt() { :; }; source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _zelk
+    [[ ! ${COMPREPLY[*]} ]] || echo "${COMPREPLY[*]}"' "$scratch/completion" "${words[@]/#./}" >"$scratch/out" 2>"$scratch/err"
+  expect silent err
+  expect printed "${row#* => }"
+done <<'TABLE'
+zelk co => convergents cos
+zelk exp -1/2 3 --d => --derivative --digits-out
+zelk --format = decimal exp 1 3 --der => --derivative
+zelk --format = => fraction decimal both
+zelk cf 2 --format d => decimal
+zelk plot . => --digits-out --format --help --json --max-bits --max-digits convergents cos exp sin
+zelk plot sin -o - --fr => --from
+zelk plot convergents --max-digits 5 2 --o => --output
+zelk cf 5 --terms . => \c
+TABLE
 
 cat >"$scratch/queries" <<'QUERIES'
 exp 0 3
@@ -207,7 +237,7 @@ pi 99999999999
 exp 1e9 3
 convergents 415/93 --terms=2
 QUERIES
-sed -i '6s/$/\r/' "$scratch/queries"
+sed -i $'1s/^/\xef\xbb\xbf/; 6s/$/\\r/' "$scratch/queries"
 batch="batch '$scratch/queries'"
 complaints() { sed "s|^zelk: $scratch/queries:||" "$scratch/err" | cmp -s - <(printf '%b\n' "$1"); }
 
@@ -285,7 +315,7 @@ done
 
 # What gnuplot would be told: three points, each with the truth between its bounds.
 mkdir "$scratch/bin"
-printf '#!/bin/sh\ncp "$1" "%s/script"; echo "<?xml?><svg></svg>"\n' "$scratch" >"$scratch/bin/gnuplot"
+printf '#!/bin/sh\ncp "$2" "%s/script"; echo "<?xml?><svg></svg>"\n' "$scratch" >"$scratch/bin/gnuplot"
 chmod +x "$scratch/bin/gnuplot"
 ask "plot exp --from -1 --to 1/2 --points 3 --digits 3 -o '$scratch/x.svg'" plotting
 expect exits 0
@@ -295,7 +325,7 @@ expect awk '/^END/ { data = 0 }
   END { exit points != 3 || bad }' "$scratch/script"
 ask "plot convergents 415/93 -o '$scratch/x.svg'" plotting
 expect exits 0
-expect grep -q '^3 4.461538461538 -3.08.* "<"$' "$scratch/script"
+expect grep -q '^3 4.461538461538462 -3.08.* "<"$' "$scratch/script"
 echo precious >"$scratch/kept"
 ask "plot sin -o '$scratch/kept'" plotless
 expect exits 3
@@ -330,6 +360,10 @@ if ((status != 0)); then
     expect exits 1
     expect silent out
     expect mentions err 'not enough memory'
+    # What a batch has found is let go before all of it is too much.
+    seq -f 'pi %.0f' 150 199 >"$scratch/queries"
+    ask '--max-bits 40000000 batch --stats -' cramped
+    expect exits 0
   fi
 fi
 
