@@ -77,7 +77,7 @@ class HelpFormatter : public CLI::Formatter {
   }
 
   std::string make_footer(CLI::App const* app) const override {
-    auto const footer = CLI::Formatter::make_footer(app);
+    auto footer = CLI::Formatter::make_footer(app);
     auto const* top = app;
     while (top->get_parent() != nullptr) top = top->get_parent();
     if (top == app) return footer;
