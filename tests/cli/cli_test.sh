@@ -91,7 +91,8 @@ cf 415/93 --terms=2 --json => {"query":"cf 415/93 --terms 2","terms":["4","2"]}
 --json cf 0 => {"query":"cf 0","terms":["0"]}
 approx --upper -7/2 1 --json => {"query":"approx -7/2 1 --upper","value":{"numerator":"-3","denominator":"1"}}
 exp -1/2 2 --json => {"query":"exp -1/2 2","lower":{"numerator":"29","denominator":"48"},"upper":{"numerator":"233","denominator":"384"}}
-sin 0 1 --json --format decimal => {"query":"sin 0 1","lower":{"numerator":"0","denominator":"1","decimal":"0.000"},"upper":{"numerator":"0","denominator":"1","decimal":"0.000"}}
+exp -1/2 2 --json --digits-out 3 => {"query":"exp -1/2 2","lower":{"numerator":"29","denominator":"48","decimal":"0.604"},"upper":{"numerator":"233","denominator":"384","decimal":"0.607"}}
+exp -1 0 --derivative --json => {"query":"exp -1 0 --derivative","lower":{"numerator":"1","denominator":"3"},"upper":{"numerator":"3","denominator":"8"}}
 convergents --terms 1 415/93 --json => {"query":"convergents 415/93 --terms 1","convergents":[{"value":{"numerator":"4","denominator":"1"},"side":"<","distance":{"numerator":"43","denominator":"93"}}]}
 TABLE
 
@@ -230,9 +231,11 @@ cf 1/0
 approx 415/93 --lower -- 2
 exp 0 3
 log 3
-sin 1 2 3
+  sin 1 2 3
 exp 1
 cf 1 --terms
+cf 1 --terms 1 --terms 2
+approx 1 2 --lower --upper
 pi 99999999999
 exp 1e9 3
 convergents 415/93 --terms=2
@@ -246,11 +249,13 @@ expect exits 1
 expect printed '1 1\n[4; 2, 6, 7]\n58/13\n1 1\n4 < 43/93; 9/2 > 7/186'
 expect complaints "5:6: zero denominator
 8:1: not a function; there are cf, approx, convergents, exp, sin, cos, pi
-9:9: unexpected argument
+9:11: unexpected argument
 10:6: DIGITS is missing
 11:13: --terms needs a value
-12:4: a count is at most 4294967295
-13:1: would take about 7.6e+11 bits, more than --max-bits 4000000000"
+12:16: given twice
+13:20: --lower excludes --upper
+14:4: a count is at most 4294967295
+15:1: would take about 7.6e+11 bits, more than --max-bits 4000000000"
 ask "$batch --fail-fast"
 expect exits 1
 expect printed '1 1\n[4; 2, 6, 7]'
@@ -260,17 +265,22 @@ expect printed '{"line":1,"query":"exp 0 3","lower":{"numerator":"1","denominato
 {"line":5,"query":"cf 1/0","error":{"column":6,"message":"zero denominator"}}'
 ask 'batch --stats -' fed
 expect exits 1
-expect mentions err '12 queries, 1 of them repeated, 7 refused'
+expect mentions err '14 queries, 1 of them repeated, 9 refused'
 # A line is bounded, unless it is long by a comment; the next is read all the same.
-ones() { head -c "$1" /dev/zero | tr '\0' 1; }
-{ printf 'cf 2#' && ones 17000000 && echo && ones 17000000 && printf '\ncf 3/2'; } >"$scratch/long"
+many() { head -c "$2" /dev/zero | tr '\0' "$1"; }
+{
+  printf 'cf 2#' && many 1 17000000 && echo
+  many 1 16777217 && printf '\ncf 3' && many ' ' 16777212 && printf '\ncf 3/2'
+} >"$scratch/long"
 ask "batch '$scratch/long'"
 expect exits 1
-expect printed '[2]\n[1; 2]'
+expect printed '[2]\n[3]\n[1; 2]'
 expect mentions err 'long:2:1: the line is longer than 16777216 bytes'
 ask '--json cf 1/0'
 expect exits 2
 expect printed '{"query":"cf 1/0","error":{"column":6,"message":"zero denominator"}}'
+ask "--json cf $'1\\xff'"
+expect mentions out '"cf 1�"'
 ask 'batch /nowhere/at/all'
 expect exits 3
 expect mentions err 'cannot read /nowhere/at/all: No such file'
