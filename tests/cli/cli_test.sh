@@ -236,6 +236,7 @@ exp 1
 cf 1 --terms
 cf 1 --terms 1 --terms 2
 approx 1 2 --lower --upper
+cf -- --5
 pi 99999999999
 exp 1e9 3
 convergents 415/93 --terms=2
@@ -254,8 +255,9 @@ expect complaints "5:6: zero denominator
 11:13: --terms needs a value
 12:16: given twice
 13:20: --lower excludes --upper
-14:4: a count is at most 4294967295
-15:1: would take about 7.6e+11 bits, more than --max-bits 4000000000"
+14:8: expected a digit
+15:4: a count is at most 4294967295
+16:1: would take about 7.6e+11 bits, more than --max-bits 4000000000"
 ask "$batch --fail-fast"
 expect exits 1
 expect printed '1 1\n[4; 2, 6, 7]'
@@ -265,17 +267,17 @@ expect printed '{"line":1,"query":"exp 0 3","lower":{"numerator":"1","denominato
 {"line":5,"query":"cf 1/0","error":{"column":6,"message":"zero denominator"}}'
 ask 'batch --stats -' fed
 expect exits 1
-expect mentions err '14 queries, 1 of them repeated, 9 refused'
+expect mentions err '15 queries, 1 of them repeated, 10 refused'
 # A line is bounded, unless it is long by a comment; the next is read all the same.
 many() { head -c "$2" /dev/zero | tr '\0' "$1"; }
 {
-  printf 'cf 2#' && many 1 17000000 && echo
-  many 1 16777217 && printf '\ncf 3' && many ' ' 16777212 && printf '\ncf 3/2'
+  printf 'cf 3' && many ' ' 16777212 && printf '\ncf 2#' && many 1 17000000 && echo
+  many 1 16777217 && printf '\ncf 3/2'
 } >"$scratch/long"
 ask "batch '$scratch/long'"
 expect exits 1
-expect printed '[2]\n[3]\n[1; 2]'
-expect mentions err 'long:2:1: the line is longer than 16777216 bytes'
+expect printed '[3]\n[2]\n[1; 2]'
+expect mentions err 'long:3:1: the line is longer than 16777216 bytes'
 ask '--json cf 1/0'
 expect exits 2
 expect printed '{"query":"cf 1/0","error":{"column":6,"message":"zero denominator"}}'
