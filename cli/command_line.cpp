@@ -23,6 +23,8 @@
 namespace zelk::cli {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr char epilogue[] =
     "Examples:\n"
     "  zelk cf 415/93        [4; 2, 6, 7]\n"
@@ -219,7 +221,7 @@ void CommandLine::add_plots() {
     add_option(kind, "--to", plot.to, "X", "The last point, by default 2");
     add_option(kind, "--points", plot.points, "N", "How many points, by default 101");
     add_option(kind, "--digits", plot.digits, "DIGITS",
-               "The tolerance is 10^-DIGITS, by default 0");
+               "Decimal digits, which say how close the bounds are, by default 0");
     kind.callback([this, function] { plot_enclosures(function, plot, settings); });
   }
   auto& kind = add("convergents", "The convergents of Q");
@@ -290,6 +292,10 @@ int CommandLine::run(int argc, char const* const* argv) {
   try {
     // CLI11 lets "++" end a subcommand without a word; here it is an argument like any other.
     if (given("++")) throw CLI::ArgumentMismatch("unexpected argument: ++");
+    // Nor does it take an empty value behind an equals sign, but the next word.
+    for (auto const* const* word = argv + 1; word < argv + argc && *word != "--"sv; ++word)
+      if (std::string_view const text = *word; text.starts_with("--") && text.ends_with('='))
+        throw CLI::ArgumentMismatch(std::string(text) + " lacks its value");
     if (argc == 2 && given("--man-page")) return print(man_page(app)), 0;
     if (argc == 2 && given("--bash-completion")) return print(bash_completion(app)), 0;
     app.parse_complete_callback([this] { read_settings(); });

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "zelk/convert/machine.h"
+
 namespace zelk::cli {
 namespace {
 
@@ -24,6 +26,15 @@ Demand expansion(Query const& query, double size_of_term) {
   return {terms * size_of_term, terms * (bits(query.number.numerator()) + below)};
 }
 
+/// How many digits a sine needs until its sign is certain: as many as x agrees in with a multiple
+/// of pi. Where a double cannot tell x from one the worst is assumed, that it is about 1/q^2 away,
+/// as near as fractions with its denominator q come to any number that is none.
+double digits_of_sign(Query const& query) {
+  double const x = convert::to_double(query.number, convert::Rounding::nearest);
+  bool const may_be_zero = std::abs(x) > 1 && std::abs(std::remainder(x, std::acos(-1.0))) < 1e-6;
+  return may_be_zero ? 2 * std::log10(2) * bits(query.number.denominator()) : 6;
+}
+
 /// The least n with |x|^n/n! < 10^-digits is the number of terms, and n! q^n the size of each of
 /// the eight integers that a record holds, and of the four that grow with each term, by products
 /// with p and q, x = p/q.
@@ -31,7 +42,10 @@ Demand series(Query const& query) {
   double const above = bits(query.number.numerator());
   double const below = bits(query.number.denominator());
   double const size = std::log(2) * (above - below + 1);  // at least ln |x|
-  double const goal = query.count * std::log(10);
+  double const digits = query.function == Function::exp
+                            ? query.count
+                            : std::max<double>(query.count, digits_of_sign(query));
+  double const goal = digits * std::log(10);
   double low = 1;
   double high = 1e18;
   while (high > 1.01 * low + 1) {

@@ -15,12 +15,21 @@ namespace {
 
 using namespace zelk::cli;
 
+/// Complains, after the answers so far, and returns the status to exit with.
+int give_up(char const* reason, int status) {
+  complain(reason);
+  try {
+    flush_output();
+    return status;
+  } catch (std::system_error const& error) {
+    if (error.code().value() != EPIPE) complain(error.what());
+    return no_input_or_output;
+  }
+}
+
 // GMP cannot pass a failed allocation on to its caller: the command has to end where it happens.
 void* or_exit(void* block) {
-  if (block == nullptr) {
-    complain("not enough memory");  // and the answers before it
-    std::_Exit(not_answered);
-  }
+  if (block == nullptr) std::_Exit(give_up("not enough memory", not_answered));
   return block;
 }
 void* allocate(std::size_t size) { return or_exit(std::malloc(size)); }
@@ -37,14 +46,12 @@ int main(int argc, char** argv) {
     flush_output();
     return status;
   } catch (std::bad_alloc const&) {
-    complain("not enough memory");
-    return not_answered;
+    return give_up("not enough memory", not_answered);
   } catch (std::system_error const& error) {
     // Nobody reads on: no reason to complain.
     if (error.code().value() != EPIPE) complain(error.what());
     return no_input_or_output;
   } catch (std::exception const& error) {
-    complain(error.what());
-    return not_answered;
+    return give_up(error.what(), not_answered);
   }
 }

@@ -23,8 +23,12 @@ std::string escaped(std::string_view text) {
 std::string literal(std::string_view text) { return ".nf\n" + escaped(text) + "\n.fi\n"; }
 
 void describe_options(CLI::App const& app, std::string& page) {
+  std::string group = "Options";
   for (auto const* const option : app.get_options()) {
-    if (option->get_group().empty()) continue;
+    if (!option->get_positional() && option->get_group() != group) {
+      group = option->get_group();
+      page += ".SS " + escaped(group) + '\n';
+    }
     std::string const type = option->get_positional() ? "" : option->get_type_name();
     bool const takes_value = option->get_items_expected_max() > 0 && !type.empty();
     page += ".TP\n.B " + escaped(option->get_name(false, true));

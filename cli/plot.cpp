@@ -1,18 +1,15 @@
 #include "cli/plot.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <climits>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <iterator>
 #include <system_error>
 
+#include "cli/gnuplot.h"
 #include "cli/solver.h"
 #include "cli/terminal.h"
 #include "zelk/convert/machine.h"
@@ -21,10 +18,10 @@
 namespace zelk::cli {
 namespace {
 
-/// As gnuplot takes it.
+/// As gnuplot takes it, with some room left for its axes.
 double coordinate(QNumber const& q) {
   double const x = convert::to_double(q, convert::Rounding::nearest);
-  if (std::isinf(x))
+  if (std::abs(x) > 1e300)
     throw Refusal(Refusal::Kind::unanswerable, 1, "", "some numbers are too large to be drawn");
   return x;
 }
@@ -49,90 +46,40 @@ constexpr char preamble[] =
     "set grid lc rgb '#dddddd'\n"
     "set border lc rgb '#555555'\n";
 
-[[noreturn]] void fail(int reason, std::string const& what) {
-  throw std::system_error(reason, std::generic_category(), what);
-}
-
 void write(std::string const& text, std::string const& file) {
+  auto const fail = [&file](int reason) {
+    throw std::system_error(reason, std::generic_category(), "cannot write " + file);
+  };
   std::FILE* const output = std::fopen(file.c_str(), "w");
-  if (output == nullptr) fail(errno, "cannot write " + file);
+  if (output == nullptr) fail(errno);
   errno = 0;
   bool complete = std::fwrite(text.data(), 1, text.size(), output) == text.size();
   int const reason = errno;
   if (std::fclose(output) != 0) complete = false;
-  if (!complete) fail(reason != 0 ? reason : errno, "cannot write " + file);
-}
-
-/// A new file that goes when this does.
-class TemporaryFile {
- public:
-  TemporaryFile() : descriptor(mkstemp(path.data())) {
-    if (descriptor < 0) fail(errno, "cannot write " + path);
-  }
-  TemporaryFile(TemporaryFile const&) = delete;
-  TemporaryFile& operator=(TemporaryFile const&) = delete;
-  ~TemporaryFile() {
-    close(descriptor);
-    unlink(path.c_str());
-  }
-
-  std::string const& name() const { return path; }
-
- private:
-  std::string path = std::filesystem::temp_directory_path() / "zelk-plot-XXXXXX";
-  int descriptor;
-};
-
-/// What gnuplot makes of the script, whatever its user has set for other images. Names given by
-/// people enter neither the script nor the shell.
-std::string drawn(std::string const& script) {
-  TemporaryFile const file;
-  write(script, file.name());
-
-  std::string image;
-  setenv("ZELK_PLOT", file.name().c_str(), 1);
-  std::FILE* const gnuplot =
-      popen("command -v gnuplot >/dev/null || exit 127; exec gnuplot -d \"$ZELK_PLOT\" 2>&1", "r");
-  if (gnuplot == nullptr) fail(errno, "cannot start gnuplot");
-  char buffer[4096];
-  while (auto const size = std::fread(buffer, 1, sizeof buffer, gnuplot))
-    image.append(buffer, size);
-  int const status = pclose(gnuplot);
-  if (WIFEXITED(status) && WEXITSTATUS(status) == 127)
-    fail(ENOENT, "plots need gnuplot, which cannot be found");
-  auto const begin = std::min(image.find("<?xml"), image.size());  // after what it has to remark
-  if (status != 0 || image.find("</svg>", begin) == std::string::npos)
-    fail(EIO, "gnuplot failed: " + convert::quoted(image));
-  return image.substr(begin);
+  if (!complete) fail(reason != 0 ? reason : errno);
 }
 
 void draw(std::string const& script, std::string const& file) {
-  auto const image = drawn(script);
+  auto const image = drawn_by_gnuplot(script);
   file == "-" ? print(image) : write(image, file);
-}
-
-Query query_of(Function function, std::string const& number, std::string const& count) {
-  QueryText text{function, Word{number}, {}, {}};
-  if (!count.empty()) text.count = Word{count};
-  return parse_query(text);
 }
 
 }  // namespace
 
 void plot_enclosures(Function function, PlotOptions const& options, Settings const& settings) {
-  Query query = query_of(function, options.from, options.digits);
-  QNumber const from = query.number;
-  QNumber const to = query_of(function, options.to, options.digits).number;
+  QNumber const from = parse_number(Word{options.from});
+  QNumber const to = parse_number(Word{options.to});
   unsigned const points = parse_count(Word{options.points});
   if (points < 2 || points > 100'000)
     throw Refusal(Refusal::Kind::malformed, 1, "",
                   "--points " + options.points + ": from 2 to 100000 points can be drawn");
   // Gnuplot needs some of the 53 bits of a double for its axes.
   double const end = std::max(std::abs(coordinate(from)), std::abs(coordinate(to)));
-  if (!(from < to) || coordinate(to - from) < 1e-9 * end)
+  if (!(from < to) || coordinate(to - from) < std::max(1e-9 * end, 1e-300))
     throw Refusal(Refusal::Kind::malformed, 1, "",
                   "the range from " + options.from + " to " + options.to +
                       (from < to ? " is too narrow to be drawn" : " is empty"));
+  Query query{function, from, parse_count(Word{options.digits}), 0, false};
   QNumber const step = (to - from) / QNumber(points - 1L);
   Demand all = {0, 0};
   for (unsigned i = 0; i < points; ++i) {
@@ -159,7 +106,7 @@ void plot_enclosures(Function function, PlotOptions const& options, Settings con
 }
 
 void plot_convergents(PlotOptions const& options, Settings const& settings) {
-  Query const query = query_of(Function::convergents, options.number, "");
+  Query const query{Function::convergents, parse_number(Word{options.number}), UINT_MAX, 0, false};
   auto const convergents =
       std::get<std::vector<Convergent>>(Solver(settings.limits).answer(query, 0));
   if (convergents.size() == 1)

@@ -82,15 +82,6 @@ void read_option(Word const& option, Signature const& signature, Words& words, Q
   if (query.lower && query.upper) refuse(option, "--lower excludes --upper");
 }
 
-QNumber parse_number(Word const& word) {
-  try {
-    return convert::parse_rational(word.text);
-  } catch (convert::ParseError const& error) {
-    throw Refusal(Refusal::Kind::malformed, word.column + error.column() - 1,
-                  std::string(error.reason()), error.what());
-  }
-}
-
 }  // namespace
 
 std::span<Signature const> signatures() { return all; }
@@ -140,6 +131,15 @@ Query parse_query(QueryText const& text) {
                   "approx " + std::string(text.number->text) + ' ' + std::string(text.count->text) +
                       ": no terms leave no convergent");
   return query;
+}
+
+QNumber parse_number(Word const& word) {
+  try {
+    return convert::parse_rational(word.text);
+  } catch (convert::ParseError const& error) {
+    throw Refusal(Refusal::Kind::malformed, word.column + error.column() - 1,
+                  std::string(error.reason()), error.what());
+  }
 }
 
 unsigned long parse_whole(Word const& word, unsigned long most) {

@@ -76,6 +76,9 @@ QueryText split_query(std::string_view line);
 /// Throws: Refusal.
 Query parse_query(QueryText const& text);
 
+/// A fraction or decimal. Throws: Refusal.
+QNumber parse_number(Word const& word);
+
 /// A whole number up to `most`. Throws: Refusal.
 unsigned long parse_whole(Word const& word, unsigned long most);
 

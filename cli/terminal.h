@@ -13,7 +13,8 @@ void print(std::string_view text);
 void flush_output();
 
 /// A diagnostic of one line, `zelk: ...`, after all answers so far; the name in colour on a
-/// terminal, unless NO_COLOR is set.
+/// terminal, unless NO_COLOR is set. ASCII control characters are shown as `\x..`. When the answers
+/// cannot be written, whoever prints or flushes next is told.
 void complain(std::string_view message);
 
 /// A line on standard error that tells how far a long run has got: not within the first second, and

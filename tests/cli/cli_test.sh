@@ -133,7 +133,8 @@ pi 10000 => 1 would take about
 exp 1e6 3 => 1 would work through about
 approx 1/3 1 --max-digits 400000000 --digits-out 400000000 => 1 would take about
 plot exp -o x.svg --from -60000 --to 60000 => 1 would work through about
-plot exp -o x.svg --to 1e400 => 1 too large to be drawn
+plot exp -o x.svg --from 709.7 --to 709.78 => 1 too large to be drawn
+sin 3.14159265358979323846264338327950288419716939937510582097 3 --max-bits 60000 => 1 would take
 cf 1e-9999 --max-bits 1000 => 1 would take about
  => 2 a command is required
 log 2 5 => 2 log
@@ -147,6 +148,7 @@ cf '' => 2 "": column 1
 cf 1/0 => 2 "1/0": column 3: zero denominator
 cf 1 $'a\nb' => 2 unexpected argument: a\x0ab
 cf 1 --terms '' => 2 "": expected a whole number
+cf 1 --terms= 2 => 2 --terms= lacks its value
 cf 1 --max-bits '' => 2 "": expected a whole number
 cf 1 --format roman => 2 "roman": expected fraction, decimal or both
 cf 1 --digits-out 100001 => 2 --digits-out 100001 is more than --max-digits 100000
@@ -154,6 +156,8 @@ cf 1 --max-bits many => 2 "many": expected a whole number
 plot exp => 2 --output is required
 plot exp -o x.svg --from 2 --to 1 => 2 the range from 2 to 1 is empty
 plot exp -o x.svg --points 1 => 2 --points 1
+plot exp -o x.svg --digits '' => 2 "": expected a whole number
+plot exp -o x.svg --from -1e-400 --to 2e-400 => 2 too narrow to be drawn
 plot sin -o x.svg --from 3.14159265358979 --to 3.14159265358980 => 2 too narrow to be drawn
 cf 1 --terms 0 => 2 --terms 0
 cf 1 --terms -2 => 2 "-2": a count cannot be negative
@@ -178,6 +182,7 @@ cf --help => --terms N
 plot convergents --help => --max-bits N
 exp --help => the larger comes first if X < 0
 exp abc --help => zelk exp
+sin 3.24159265358979323846264338327950288419716939937510582097 3 --max-bits 60000 => /
 TABLE
 
 # What cannot be written is told, also when something else was to be told before.
@@ -327,7 +332,7 @@ done
 
 # What gnuplot would be told: three points, each with the truth between its bounds.
 mkdir "$scratch/bin"
-printf '#!/bin/sh\ncp "$2" "%s/script"; echo "<?xml?><svg></svg>"\n' "$scratch" >"$scratch/bin/gnuplot"
+printf '#!/bin/sh\ncp "$2" "%s/script"; echo "<svg>"; echo Warning >&2; echo "</svg>"\n' "$scratch" >"$scratch/bin/gnuplot"
 chmod +x "$scratch/bin/gnuplot"
 ask "plot exp --from -1 --to 1/2 --points 3 --digits 3 -o '$scratch/x.svg'" plotting
 expect exits 0
@@ -337,6 +342,7 @@ expect awk '/^END/ { data = 0 }
   END { exit points != 3 || bad }' "$scratch/script"
 ask "plot convergents 415/93 -o '$scratch/x.svg'" plotting
 expect exits 0
+expect not mentions x.svg Warning
 expect grep -q '^3 4.461538461538462 -3.08.* "<"$' "$scratch/script"
 echo precious >"$scratch/kept"
 ask "plot sin -o '$scratch/kept'" plotless
