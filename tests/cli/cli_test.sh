@@ -312,23 +312,28 @@ exec {COPROC[1]}>&-
 wait
 
 # On a terminal diagnostics have colour, and a run longer than a second tells how far it has got.
-red=$'\e[1;31m'
-ask 'cf 1/0' on_terminal
-expect exits 2
-expect mentions out "${red}zelk:"
-NO_COLOR=1 ask 'cf 1/0' on_terminal
-expect mentions out 'zelk: "1/0"'
-expect not mentions out "$red"
-for pause in 0 1.1; do
-  printf 'echo cf 1; sleep %s; echo cf 1' "$pause" >"$scratch/slow"
-  ask "batch '< <(bash $scratch/slow) >$scratch/answers'" on_terminal
-  expect exits 0
-  if [[ $pause == 0 ]]; then
-    expect silent out
-  else
-    expect mentions out '2 lines, 0 answered before'
-  fi
-done
+# (A bare root without /dev/pts has no terminals to try it on.)
+if script -qec true /dev/null >/dev/null 2>&1; then
+  red=$'\e[1;31m'
+  ask 'cf 1/0' on_terminal
+  expect exits 2
+  expect mentions out "${red}zelk:"
+  NO_COLOR=1 ask 'cf 1/0' on_terminal
+  expect mentions out 'zelk: "1/0"'
+  expect not mentions out "$red"
+  for pause in 0 1.1; do
+    printf 'echo cf 1; sleep %s; echo cf 1' "$pause" >"$scratch/slow"
+    ask "batch '< <(bash $scratch/slow) >$scratch/answers'" on_terminal
+    expect exits 0
+    if [[ $pause == 0 ]]; then
+      expect silent out
+    else
+      expect mentions out '2 lines, 0 answered before'
+    fi
+  done
+else
+  echo 'no pseudo-terminal: colour and progress were not tried'
+fi
 
 # What gnuplot would be told: three points, each with the truth between its bounds.
 mkdir "$scratch/bin"
