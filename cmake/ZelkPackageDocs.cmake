@@ -2,11 +2,15 @@
 # in each package.
 
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)  # of SOURCE_DATE_EPOCH, if that is set
+file(READ "${CMAKE_CURRENT_LIST_DIR}/../LICENSE" license)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} name)
   set(share "${CPACK_TEMPORARY_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX}/share")
   set(doc "${share}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}")
-  configure_file("${CMAKE_CURRENT_LIST_DIR}/../LICENSE" "${doc}/copyright" COPYONLY)
+  file(
+    WRITE "${doc}/copyright"
+    "${license}\nThe licences of GMP are in /usr/share/common-licenses/LGPL-3 and\n"
+    "/usr/share/common-licenses/GPL-2.\n")
   file(
     WRITE "${doc}/changelog"
     "zelk (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium\n\n"
