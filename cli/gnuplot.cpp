@@ -7,10 +7,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <string>
 #include <system_error>
 
 #include "cli/query.h"
+#include "cli/terminal.h"
 #include "zelk/convert/text.h"
 
 namespace zelk::cli {
@@ -44,6 +45,16 @@ class TemporaryFolder {
   std::string path = place() + "/zelk-plot-XXXXXX";
 };
 
+void write(std::string const& text, std::string const& file) {
+  std::FILE* const output = std::fopen(file.c_str(), "w");
+  if (output == nullptr) fail(errno, "cannot write " + file);
+  errno = 0;
+  bool complete = std::fwrite(text.data(), 1, text.size(), output) == text.size();
+  int const reason = errno;
+  if (std::fclose(output) != 0) complete = false;
+  if (!complete) fail(reason != 0 ? reason : errno, "cannot write " + file);
+}
+
 /// The last line of the file that is not blank.
 std::string last_line(std::string const& file) {
   std::ifstream input(file);
@@ -53,12 +64,9 @@ std::string last_line(std::string const& file) {
   return last;
 }
 
-}  // namespace
-
-std::string drawn_by_gnuplot(std::string const& script) {
+std::string drawn(std::string const& script) {
   TemporaryFolder const folder;
-  std::ofstream file(folder.name() + "/script");
-  if (!(file << script << std::flush)) fail(errno, "cannot write " + folder.name() + "/script");
+  write(script, folder.name() + "/script");
 
   // The shell gets no name but this one's.
   setenv("ZELK_PLOT", folder.name().c_str(), 1);
@@ -78,6 +86,13 @@ std::string drawn_by_gnuplot(std::string const& script) {
     throw Refusal(Refusal::Kind::unanswerable, 1, "",
                   "gnuplot failed: " + convert::quoted(last_line(folder.name() + "/messages")));
   return image;
+}
+
+}  // namespace
+
+void draw_by_gnuplot(std::string const& script, std::string const& file) {
+  auto const image = drawn(script);
+  file == "-" ? print(image) : write(image, file);
 }
 
 }  // namespace zelk::cli

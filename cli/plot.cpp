@@ -1,17 +1,13 @@
 #include "cli/plot.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <climits>
 #include <cmath>
-#include <cstdio>
 #include <iterator>
-#include <system_error>
 
 #include "cli/gnuplot.h"
 #include "cli/solver.h"
-#include "cli/terminal.h"
 #include "zelk/convert/machine.h"
 #include "zelk/convert/text.h"
 
@@ -45,24 +41,6 @@ constexpr char preamble[] =
     "set terminal svg size 720,480 background 'white' font 'sans,12'\n"
     "set grid lc rgb '#dddddd'\n"
     "set border lc rgb '#555555'\n";
-
-void write(std::string const& text, std::string const& file) {
-  auto const fail = [&file](int reason) {
-    throw std::system_error(reason, std::generic_category(), "cannot write " + file);
-  };
-  std::FILE* const output = std::fopen(file.c_str(), "w");
-  if (output == nullptr) fail(errno);
-  errno = 0;
-  bool complete = std::fwrite(text.data(), 1, text.size(), output) == text.size();
-  int const reason = errno;
-  if (std::fclose(output) != 0) complete = false;
-  if (!complete) fail(reason != 0 ? reason : errno);
-}
-
-void draw(std::string const& script, std::string const& file) {
-  auto const image = drawn_by_gnuplot(script);
-  file == "-" ? print(image) : write(image, file);
-}
 
 }  // namespace
 
@@ -102,7 +80,7 @@ void plot_enclosures(Function function, PlotOptions const& options, Settings con
       name + " x to " + options.digits +
       " digits', '' using 1:2 with lines lc rgb '#1f6f9f' title 'lower bound', "
       "'' using 1:3 with lines lc rgb '#c2571a' title 'upper bound'\n";
-  draw(script, options.file);
+  draw_by_gnuplot(script, options.file);
 }
 
 void plot_convergents(PlotOptions const& options, Settings const& settings) {
@@ -147,7 +125,7 @@ void plot_convergents(PlotOptions const& options, Settings const& settings) {
       "'' using 1:(strcol(4) eq '>' ? $3 : NaN) with points pt 7 ps 0.6 lc rgb '#c2571a' "
       "title 'above'\n"
       "unset multiplot\n";
-  draw(script, options.file);
+  draw_by_gnuplot(script, options.file);
 }
 
 }  // namespace zelk::cli

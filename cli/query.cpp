@@ -84,8 +84,6 @@ void read_option(Word const& option, Signature const& signature, Words& words, Q
 
 }  // namespace
 
-std::span<Signature const> signatures() { return all; }
-
 Signature const& signature_of(Function function) {
   return *std::ranges::find(all, function, &Signature::function);
 }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <optional>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -25,7 +24,6 @@ struct Signature {
   bool takes_derivative;
 };
 
-std::span<Signature const> signatures();
 Signature const& signature_of(Function function);
 
 /// A text and where it stands in its line, counted from 1.

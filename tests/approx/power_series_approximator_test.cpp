@@ -67,20 +67,6 @@ TEST(PowerSeriesApproximator, StoresOneRecordForBothPairs) {
       &Series::maclaurin_sin_bounds, &Series::maclaurin_sin_der_bounds, &Series::sin_records);
 }
 
-TEST(PowerSeriesApproximator, MirrorsTheSineAtTheOrigin) {
-  Fresh fresh;
-  for (char const* const x : {"1/7", "3", "1/9223372036854775808", "22/7", "13/4", "100"}) {
-    for (unsigned prec : {0U, 6U, 30U}) {
-      QNumber const zero, mirrored = zero - number(x);
-      auto const [lower, upper] = fresh.series.maclaurin_sin_bounds(number(x), prec);
-      EXPECT_EQ(show(fresh.series.maclaurin_sin_bounds(mirrored, prec)),
-                show(Bounds(zero - upper, zero - lower)));
-      EXPECT_EQ(show(fresh.series.maclaurin_sin_der_bounds(mirrored, prec)),
-                show(fresh.series.maclaurin_sin_der_bounds(number(x), prec)));
-    }
-  }
-}
-
 TEST(PowerSeriesApproximator, FindsWorkedBoundsOfPiAndDegrees) {
   Fresh fresh;
   auto& series = fresh.series;

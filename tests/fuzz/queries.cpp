@@ -10,6 +10,7 @@
 #include "tests/fuzz/body.h"
 #include "tests/support/random_number.h"
 #include "tests/support/real.h"
+#include "tests/support/text_form.h"
 #include "zelk/approx/power_series_approximator.h"
 #include "zelk/approx/rational_approximator.h"
 
@@ -124,15 +125,17 @@ void run_queries(Bytes bytes) {
   Approximators approximators;
   // One form for all: equal numbers in two forms may find each other until a table grows.
   bool const big = next() % 2 != 0;
-  std::vector<mpq_class> used = {mpq_class(-7, 2)};
+  std::vector<mpq_class> used;
+  for (QNumber const& x : points()) used.push_back(to_rational(x));
   std::vector<std::pair<Query, Answer>> asked;
   while (!next.done() && asked.size() < 24) {
     unsigned const choice = next();
     if (choice % 2 == 0) used.push_back(corner_rational(next));
     mpq_class x = used[next() % used.size()];
+    if (choice / 6 % 2 != 0) x = -x;
     unsigned const kind = next() % kinds;
-    unsigned const prec = kind < exp ? 1 + next() % 40 : next() % (kind == pi ? 10 : 16);
-    while (kind >= exp && abs(x) >= 8) x /= 16;
+    unsigned const prec = kind < exp ? 1 + next() % 40 : next() % (kind == pi ? 20 : 61);
+    while (kind >= exp && abs(x) > 100) x /= 16;
     Query const query{kind, to_number(x, big), prec, static_cast<int>(choice / 2 % 3) - 1};
 
     auto const before = approximators.cache_sizes();

@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(Bodies, Replay,
                          testing::Values(Body{"numbers", run_numbers, {}, 3000, 600},
                                          Body{"tables", run_tables, {}, 1500, 300},
                                          Body{"text", run_text, "0012345789//-..eE+ ", 30000, 16},
-                                         Body{"queries", run_queries, {}, 300, 150}),
+                                         Body{"queries", run_queries, {}, 1000, 150}),
                          testing::PrintToStringParamName());
 
 }  // namespace

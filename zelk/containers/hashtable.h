@@ -21,8 +21,8 @@ namespace zelk::hsh {
 /// next one, by the hashes that the nodes carry: a key is hashed once for each lookup or insertion,
 /// however often the table grows. A failed growth or insertion leaves every entry.
 ///
-/// Cost: a lookup or insertion hashes once and compares the keys of one chain, on the average less
-/// than one for hashes that scatter; growth is a pass over all nodes, amortised constant.
+/// Cost: a lookup or insertion hashes once and compares keys of one chain, for hashes that scatter
+/// fewer than 1.4 on the average; growth is a pass over all nodes, amortised constant.
 /// Source: separate chaining, Knuth, The Art of Computer Programming, 6.4.
 template <class Value, class GetKey, class Key, class Hash, class Eq>
 class Hashtable {
