@@ -1,24 +1,33 @@
 #include "cli/batch.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
-#include <new>
+#include <memory>
+#include <span>
 #include <string_view>
-#include <unordered_map>
+#include <thread>
 
+#include "cli/answers.h"
+#include "cli/crew.h"
 #include "cli/lines.h"
-#include "cli/solver.h"
+#include "cli/output.h"
+#include "cli/progress.h"
+#include "cli/status.h"
 #include "cli/terminal.h"
 
 namespace zelk::cli {
 namespace {
 
 constexpr std::string_view blanks = " \t\r";
+constexpr char too_long[] = "the line is longer than 16777216 bytes";
+static_assert(Lines::capacity == 16777216);
 
-/// What counts of a line.
-Word stripped(std::string_view line) {
+/// The query of a line, without its comment and the blanks around it.
+Word query_of(std::string_view line) {
   line = line.substr(0, line.find('#'));
   auto const first = line.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};
@@ -31,98 +40,137 @@ std::string_view without_mark(std::string_view line) {
   return line.starts_with(mark) ? line.substr(mark.size()) : line;
 }
 
-struct TextHash : std::hash<std::string_view> {
-  using is_transparent = void;
-};
-
 class Batch {
  public:
   Batch(BatchOptions const& batch_options, Settings const& answer_settings)
       : options(batch_options), settings(answer_settings) {}
 
   bool run() {
-    auto const begin = std::chrono::steady_clock::now();
-    Progress progress;
-    for (Lines lines(options.file); lines.next();) {
-      ++number;
-      progress.show(number, repeated);
-      Word const query = stripped(number == 1 ? without_mark(lines.text()) : lines.text());
-      // What a long comment leaves is whole all the same.
-      bool const is_cut = lines.is_cut() && lines.text().find('#') == std::string_view::npos;
-      if (is_cut || !query.text.empty()) ++queries;
-      if (is_cut)
-        refuse({query.text.substr(0, 64)}, too_long());
-      else if (!query.text.empty())
-        answer(query);
-      if (refused != 0 && options.fail_fast) break;
-      if (!lines.are_at_hand()) flush_output();
+    {
+      Progress const progress([this](std::span<char> line, long) {
+        return std::snprintf(line.data(), line.size(), "%zu lines, %zu answered before",
+                             number.load(), repeated.load());
+      });
+      print_by_lines();
+      unsigned const jobs =
+          options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
+      jobs == 1 ? run_alone() : run_with_crew(jobs);
+      flush_output();
     }
-    flush_output();
-    if (options.stats) {
-      std::chrono::duration<double> const took = std::chrono::steady_clock::now() - begin;
-      char text[128];
-      std::snprintf(text, sizeof text, "%zu queries, %zu of them repeated, %zu refused, %.2f s",
-                    queries, repeated, refused, took.count());
-      complain(text);
-    }
+    tell_statistics();
     return refused == 0;
   }
 
  private:
-  static Refusal too_long() {
-    std::string const reason =
-        "the line is longer than " + std::to_string(Lines::capacity) + " bytes";
-    return {Refusal::Kind::malformed, 1, reason, reason};
+  using Clock = std::chrono::steady_clock;
+
+  void run_alone() {
+    Answers answers(settings, settings.limits.max_bits);
+    Lines lines(options.file, [] { flush_output(); });
+    for (Item item; must_go_on() && read(lines, item);) {
+      answers.answer(item);
+      tell(item);
+    }
   }
 
-  void answer(Word const& query) {
-    if (auto const known = finished.find(query.text); known != finished.end()) {
-      ++repeated;
-      put(known->second);
+  void run_with_crew(unsigned jobs) {
+    auto crew = std::make_unique<Crew>(settings, jobs);
+    if (!crew->has_workers()) {
+      crew.reset();
+      return run_alone();
+    }
+    auto const tell_first = [&] {
+      tell(crew->first_item());
+      crew->release_first();
+      return must_go_on();
+    };
+    try {
+      Lines lines(options.file, [&] {
+        while (must_go_on() && !crew->is_empty()) tell_first();
+        flush_output();
+      });
+      while (must_go_on() && read(lines, crew->next_item())) {
+        crew->accept();
+        while (crew->is_full() && tell_first()) {
+        }
+      }
+      while (must_go_on() && !crew->is_empty()) tell_first();
+    } catch (...) {
+      std::_Exit(give_up_by_exception());
+    }
+    if (crew->is_empty()) return;
+    // Whoever leaves early neither waits for workers in the middle of long work nor takes away what
+    // they use.
+    flush_output();
+    tell_statistics();
+    std::_Exit(not_answered);
+  }
+
+  bool must_go_on() const { return refused == 0 || !options.fail_fast; }
+
+  /// Reads the next query; false at the end.
+  bool read(Lines& lines, Item& item) {
+    while (lines.next()) {
+      ++number;
+      Word query = query_of(number == 1 ? without_mark(lines.text()) : lines.text());
+      if (query.text.empty() && !lines.is_cut()) continue;
+      if (lines.is_cut()) query.text = query.text.substr(0, 64);
+      item.query = query.text;
+      item.line = number;
+      item.column = query.text.empty() ? 1 : query.column;
+      item.flaw = lines.is_cut() ? too_long : nullptr;
+      return true;
+    }
+    return false;
+  }
+
+  /// Prints what became of a query. The number of its line becomes the first member of an object.
+  void tell(Item const& item) {
+    if (item.is_last) std::_Exit(give_up("not enough memory", not_answered));
+    ++queries;
+    repeated += item.is_repeated;
+    Decimal const line(item.line);
+    if (settings.style.json) print({"{\"line\":", line, ","});
+    if (item.is_answered()) {
+      put(std::string_view(item.answer).substr(settings.style.json ? 1 : 0));
+      put("\n");
+      flush_now_and_then();
       return;
     }
-    try {
-      put(finished.emplace(query.text, compute(query.text)).first->second);
-    } catch (Refusal const& refusal) {
-      refuse(query, refusal);
-    } catch (std::bad_alloc const&) {
-      refuse(query, {Refusal::Kind::unanswerable, 1, "not enough memory", "not enough memory"});
-    }
-  }
-
-  std::string compute(std::string_view text) {
-    Query const query = parse_query(split_query(text));
-    Answer const answer = solver.answer(query, places_of(query, settings.style));
-    if (settings.style.json) return to_json(text, query, answer, settings.style) + '\n';
-    return to_text(query, answer, settings.style, " ", "; ") + '\n';
-  }
-
-  void refuse(Word const& query, Refusal refusal) {
     ++refused;
-    refusal.column += query.column - 1;
-    if (settings.style.json) put(to_json(query.text, refusal) + '\n');
-    complain(options.file + ':' + std::to_string(number) + ':' + std::to_string(refusal.column) +
-             ": " + refusal.reason);
+    auto const column = item.offending_column + item.column - 1;
+    if (settings.style.json) {
+      write_json_error(item.query, column, item.reason, put);
+      put("\n");
+    }
+    flush_output();
+    complain({options.file, ":", line, ":", Decimal(column), ": ", item.reason});
   }
 
-  /// An object also tells its line.
-  void put(std::string_view text) const {
-    if (settings.style.json) {
-      print("{\"line\":" + std::to_string(number) + ',');
-      text.remove_prefix(1);
-    }
-    print(text);
+  void tell_statistics() const {
+    if (!options.stats) return;
+    std::chrono::duration<double> const took = Clock::now() - begin;
+    char text[128];
+    std::snprintf(text, sizeof text, "%zu queries, %zu of them repeated, %zu refused, %.2f s",
+                  queries, repeated.load(), refused, took.count());
+    complain({text});
+  }
+
+  /// Answers that took long are not held back.
+  void flush_now_and_then() {
+    auto const now = Clock::now();
+    if (now - last_flush < std::chrono::milliseconds(100)) return;
+    flush_output();
+    last_flush = now;
   }
 
   BatchOptions const& options;
   Settings const& settings;
-  Solver solver{settings.limits};
-  // All finished answers by the text of their query: a repeated one is one lookup, whatever the
-  // tables of the library make of its point.
-  std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> finished;
-  std::size_t number = 0;  // of the line
+  Clock::time_point const begin = Clock::now();
+  Clock::time_point last_flush = begin;
+  std::atomic<std::size_t> number = 0;  // of the line
+  std::atomic<std::size_t> repeated = 0;
   std::size_t queries = 0;
-  std::size_t repeated = 0;
   std::size_t refused = 0;
 };
 

@@ -5,20 +5,27 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <climits>
+#include <cstdio>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "cli/batch.h"
 #include "cli/manual.h"
+#include "cli/output.h"
 #include "cli/plot.h"
+#include "cli/progress.h"
 #include "cli/query.h"
 #include "cli/settings.h"
 #include "cli/solver.h"
+#include "cli/status.h"
 #include "cli/terminal.h"
 #include "zelk/convert/text.h"
+#include "zelk/version.h"
 
 namespace zelk::cli {
 namespace {
@@ -27,15 +34,17 @@ using namespace std::string_view_literals;
 
 constexpr char epilogue[] =
     "Examples:\n"
-    "  zelk cf 415/93        [4; 2, 6, 7]\n"
-    "  zelk approx 415/93 2  9/2\n"
-    "  zelk exp -7/2 20      two fractions with e^(-7/2) between them\n"
+    "  zelk pi 20 --short         two short fractions with pi between them\n"
+    "  zelk exp -7/2 20 --short   and with e^(-7/2) between them\n"
+    "  zelk best 3.14159265 100   311/99\n"
+    "  zelk simplest 3.14 3.15    22/7\n"
+    "  zelk cf 415/93             [4; 2, 6, 7]\n"
     "Numbers are fractions or decimals and always exact: 415/93  -7/2  12  3.25  -1.5e-3\n"
     "Exit status: 0 all answered, 1 some query not answered, 2 wrong usage,\n"
     "3 something cannot be read or written.";
 
-/// The command line as CLI11 knows it. Numbers are kept as texts until the whole line is known to
-/// be well formed, so that a subcommand's --help answers in any company.
+/// The command line as CLI11 knows it. Values are kept as texts until CLI11 has read all words, so
+/// that --help is answered whatever else stands in the line.
 class CommandLine {
  public:
   CommandLine();
@@ -45,28 +54,27 @@ class CommandLine {
  private:
   CLI::App& add_command(std::string const& name, std::string const& description,
                         std::string const& footer);
-  CLI::App& add_query(Function function, std::string const& description,
-                      std::string const& examples);
-  void add_queries();
+  void add_query(Function const& function);
   void add_batch();
   void add_plots();
   void read_settings();
-  int answer(Function function);
+  int answer(Function const& function, CLI::App const& command) const;
   std::string describe(CLI::ParseError const& error) const;
 
   CLI::App app{"Exact rationals: continued fractions, convergents, and guaranteed bounds", "zelk"};
   Settings settings;
-  std::optional<std::string> format, places, max_digits, max_bits;
-  std::string number, count;
-  std::optional<std::string> terms;
-  bool lower = false;
-  bool upper = false;
-  bool derivative = false;
+  std::string format{format_names[static_cast<int>(settings.style.format)]};
+  std::string places;
+  std::string max_digits = std::to_string(settings.limits.max_digits);
+  std::string max_bits = std::to_string(static_cast<long>(settings.limits.max_bits));
+  std::string max_memory;
   BatchOptions batch;
+  std::string jobs = "1";
   PlotOptions plot;
   int status = 0;
 };
 
+constexpr unsigned most_jobs = 1024;
 constexpr char common[] = "Options of all commands";
 
 /// Help on a command ends with the options of all commands. What is required or excluded stands in
@@ -88,20 +96,36 @@ class HelpFormatter : public CLI::Formatter {
   }
 };
 
+/// Whether some command has a flag of that name.
+bool is_flag(CLI::App const& app, std::string_view name) {
+  auto const* const option = app.get_option_no_throw(std::string(name));
+  if (option != nullptr && option->get_items_expected_max() == 0) return true;
+  return std::ranges::any_of(app.get_subcommands({}),
+                             [&](CLI::App const* next) { return is_flag(*next, name); });
+}
+
 CLI::Option* add_flag(CLI::App& to, std::string const& name, bool& flag,
                       std::string const& description) {
   return to.add_flag(name, flag, description)->disable_flag_override();
 }
 
-template <class Text>
-CLI::Option* add_option(CLI::App& to, std::string const& name, Text& text, std::string const& type,
-                        std::string const& description) {
-  return to.add_option(name, text, description)->type_name(type);
+/// The text is the default until another one is given.
+CLI::Option* add_option(CLI::App& to, std::string const& name, std::string& text,
+                        std::string const& type, std::string const& description) {
+  bool const has_default = !text.empty();
+  return to.add_option(name, text, description + (has_default ? ", by default " + text : ""))
+      ->type_name(type);
+}
+
+/// CLI11 would take -.5 for an option. With a blank in front it passes, and the blank counts for
+/// nothing in a number.
+bool is_disguised(std::string_view word) {
+  return word.starts_with(" -.") && word.size() > 3 && word[3] >= '0' && word[3] <= '9';
 }
 
 CommandLine::CommandLine() {
   app.require_subcommand(1);
-  app.set_version_flag("--version", std::string("zelk " ZELK_VERSION ", GMP ") + gmp_version,
+  app.set_version_flag("--version", std::string("zelk " ZELK_VERSION_STRING ", GMP ") + gmp_version,
                        "Print the versions and exit");
   app.formatter(std::make_shared<HelpFormatter>());
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
@@ -109,20 +133,23 @@ CommandLine::CommandLine() {
 
   app.option_defaults()->group(common);
   add_option(app, "--format", format, "FORMAT",
-             "How numbers are printed: fraction (the default), decimal or both;\n"
-             "decimal bounds are rounded outward");
+             "How numbers are printed: fraction, decimal with bounds rounded\n"
+             "outward, or both");
   add_option(app, "--digits-out", places, "N",
-             "Decimal places to print, by default DIGITS + 2, or 20; alone it\n"
-             "means --format decimal too");
+             "Decimal places to print, by default DIGITS + " +
+                 std::to_string(places_beyond_digits) + ", or " +
+                 std::to_string(places_without_digits) + "; alone it\nmeans --format decimal too");
   add_flag(app, "--json", settings.style.json, "Print each answer as a JSON object on one line");
-  add_option(app, "--max-digits", max_digits, "N",
-             "Refuse queries for more DIGITS, by default 100000");
+  add_option(app, "--max-digits", max_digits, "N", "Refuse queries for more DIGITS");
   add_option(app, "--max-bits", max_bits, "N",
              "Refuse queries that would take more bits of memory, or work\n"
-             "through more than a thousand times as many; by default 4000000000");
+             "through more than a thousand times as many");
+  add_option(app, "--max-memory", max_memory, "SIZE",
+             "The same limit in bytes; K, M, G or T may follow, as in 4G; not\n"
+             "with --max-bits");
   app.option_defaults()->group("Options");
 
-  add_queries();
+  for (auto const& function : all_functions()) add_query(function);
   add_batch();
   add_plots();
 }
@@ -135,54 +162,22 @@ CLI::App& CommandLine::add_command(std::string const& name, std::string const& d
   return *command;
 }
 
-CLI::App& CommandLine::add_query(Function function, std::string const& description,
-                                 std::string const& examples) {
-  auto const& signature = signature_of(function);
-  auto& query = add_command(std::string(signature.name), description, examples);
-  query.callback([this, function] { status = answer(function); });
+void CommandLine::add_query(Function const& function) {
+  auto& command = add_command(function.name, function.summary, function.examples);
+  command.callback([this, &function, &command] { status = answer(function, command); });
   // CLI11 takes a dash and a digit for an option only if some option is named by that digit. None
   // is, so negative numbers pass as plain arguments in any place.
-  if (!signature.number.empty())
-    add_option(query, std::string(signature.number), number, "", "A fraction or decimal")
-        ->required();
-  if (!signature.count.empty())
-    add_option(query, std::string(signature.count), count, "",
-               signature.count == "TERMS" ? "How many terms, at least 1 unless Q is an integer"
-                                          : "Decimal digits, which say how close the bounds are")
-        ->required();
-  if (signature.takes_terms) add_option(query, "--terms", terms, "N", "Only the first N");
-  return query;
-}
-
-void CommandLine::add_queries() {
-  add_query(Function::cf, "The continued fraction of Q",
-            "  zelk cf 415/93            [4; 2, 6, 7]\n"
-            "  zelk cf 415/93 --terms 2  [4; 2]\n"
-            "A negative fraction whose parts fit in 64 bits is split toward zero, -7/2 into\n"
-            "[-3; -2]; of one that does not fit all terms but the first are positive.");
-  auto& approx =
-      add_query(Function::approx, "The convergent of Q after TERMS terms of its continued fraction",
-                "  zelk approx 415/93 2          9/2\n"
-                "  zelk approx 415/93 2 --lower  58/13");
-  add_flag(approx, "--lower", lower,
-           "The first one from there on that is at most Q; not with --upper")
-      ->excludes(add_flag(approx, "--upper", upper,
-                          "The first one from there on that is at least Q; not with --lower"));
-  add_query(Function::convergents, "All convergents of Q, each with its side of Q and its distance",
-            "  zelk convergents 415/93 --terms 2   4 < 43/93 and 9/2 > 7/186");
-
-  auto& exp = add_query(Function::exp, "Bounds of e^X less than 10^-DIGITS apart, one per line",
-                        "  zelk exp 1 20\n  zelk exp -7/2 10 --derivative");
-  add_flag(exp, "--derivative", derivative,
-           "Companion bounds for the derivative instead, again e^X, of\n"
-           "any width; the larger comes first if X < 0");
-  auto& sin = add_query(Function::sin, "Bounds of sin X less than 2*10^-DIGITS apart, one per line",
-                        "  zelk sin 1/2 20\n  zelk sin -3.25 10 --derivative");
-  add_flag(sin, "--derivative", derivative, "Bounds of the derivative cos X instead, of any width");
-  auto& cos = add_query(Function::cos, "Bounds of cos X less than 2*10^-DIGITS apart, one per line",
-                        "  zelk cos 1/2 20");
-  add_flag(cos, "--derivative", derivative, "Bounds of the derivative -sin X instead");
-  add_query(Function::pi, "Bounds of pi at most 10^-DIGITS apart, one per line", "  zelk pi 20");
+  for (auto const& argument : function.arguments) {
+    auto* const option = command.add_option(argument.name, argument.summary);
+    option->type_name(argument.is_option() ? "N" : "")->required(!argument.is_option());
+  }
+  for (auto const& flag : function.flags) {
+    auto* const option = command.add_flag(flag.name, flag.summary)->disable_flag_override();
+    for (auto const& other : function.flags) {
+      if (&other == &flag) break;
+      if (other.field == flag.field) command.get_option(other.name)->excludes(option);
+    }
+  }
 }
 
 void CommandLine::add_batch() {
@@ -193,12 +188,20 @@ void CommandLine::add_batch() {
       "A line reads as the command line does without the name zelk and without the options of\n"
       "all commands. Blank lines and what follows a # do not count. A query that is not answered\n"
       "gets a line on standard error, FILE:LINE:COLUMN: REASON, and the rest is still answered.");
-  add_option(command, "FILE", batch.file, "", "The queries; - or none is standard input");
+  add_option(command, "FILE", batch.file, "", "The queries; - is standard input");
   add_flag(command, "--fail-fast", batch.fail_fast, "Stop at the first query not answered");
   add_flag(command, "--stats", batch.stats,
            "Tell at the end how many queries there were, how many of them\n"
            "repeated, how many refused, and how long it took");
-  command.callback([this] { status = run_batch(batch, settings) ? 0 : not_answered; });
+  add_option(command, "--jobs", jobs, "N",
+             "How many queries to answer side by side; 0 is one a core");
+  command.callback([this] {
+    batch.jobs = parse_count(Word{jobs});
+    if (batch.jobs > most_jobs)
+      throw Refusal(Refusal::Kind::malformed,
+                    "--jobs " + jobs + ": at most " + std::to_string(most_jobs));
+    status = run_batch(batch, settings) ? 0 : not_answered;
+  });
 }
 
 void CommandLine::add_plots() {
@@ -206,81 +209,98 @@ void CommandLine::add_plots() {
                               "  zelk plot exp --from -1 --to 2 --output exp.svg\n"
                               "  zelk plot convergents 3.14159265 --output pi.svg");
   command.require_subcommand(1);
-  auto const add = [&](std::string const& name, std::string const& description) -> CLI::App& {
+  auto const add = [&](std::string const& name, std::string const& description,
+                       std::string const& example) -> CLI::App& {
     auto* const kind = command.add_subcommand(name, description);
     kind->fallthrough()->group("Pictures");
+    kind->footer("Examples:\n  zelk plot " + name + ' ' + example + " --output " + name + ".svg");
     add_option(*kind, "-o,--output", plot.file, "FILE",
                "Where the image goes, required; - is standard output")
         ->required();
     return *kind;
   };
-  for (Function const function : {Function::exp, Function::sin, Function::cos}) {
-    std::string const name(signature_of(function).name);
-    auto& kind = add(name, "The bounds of " + name + " over a range of points");
-    add_option(kind, "--from", plot.from, "X", "The first point, by default -2");
-    add_option(kind, "--to", plot.to, "X", "The last point, by default 2");
-    add_option(kind, "--points", plot.points, "N", "How many points, by default 101");
+  for (auto const& function : all_functions()) {
+    if (!function.can_be_plotted) continue;
+    auto& kind = add(function.name, "The bounds of " + function.name + " over a range of points",
+                     "--from -1 --to 2");
+    add_option(kind, "--from", plot.from, "X", "The first point");
+    add_option(kind, "--to", plot.to, "X", "The last point");
+    add_option(kind, "--points", plot.points, "N", "How many points");
     add_option(kind, "--digits", plot.digits, "DIGITS",
-               "Decimal digits, which say how close the bounds are, by default 0");
-    kind.callback([this, function] { plot_enclosures(function, plot, settings); });
+               "Decimal digits, which say how close the bounds are");
+    kind.callback([this, &function] { plot_bounds(function, plot, settings); });
   }
-  auto& kind = add("convergents", "The convergents of Q");
+  auto& kind = add("convergents", "The convergents of Q", "3.14159265");
   add_option(kind, "Q", plot.number, "", "A fraction or decimal")->required();
   kind.callback([this] { plot_convergents(plot, settings); });
 }
 
 void CommandLine::read_settings() {
   auto const refuse = [](std::string const& reason) {
-    throw Refusal(Refusal::Kind::malformed, 1, reason, reason);
+    throw Refusal(Refusal::Kind::malformed, reason);
   };
-  constexpr std::pair<std::string_view, Format> formats[] = {
-      {"fraction", Format::fraction}, {"decimal", Format::decimal}, {"both", Format::both}};
-  if (format) {
-    auto const* const known =
-        std::ranges::find(formats, *format, &std::pair<std::string_view, Format>::first);
-    if (known == std::end(formats))
-      refuse(convert::quoted(*format) + ": expected fraction, decimal or both");
-    settings.style.format = known->second;
+  auto const* const known = std::ranges::find(format_names, format);
+  if (known == std::end(format_names))
+    refuse(convert::quoted(format) + ": expected fraction, decimal or both");
+  settings.style.format = static_cast<Format>(known - format_names);
+  if (app.count("--digits-out") != 0) {
+    settings.style.places = parse_count(Word{places});
+    if (app.count("--format") == 0) settings.style.format = Format::decimal;
   }
-  if (places) {
-    settings.style.places = parse_count(Word{*places});
-    if (!format) settings.style.format = Format::decimal;
+  settings.limits.max_digits = parse_count(Word{max_digits});
+  settings.limits.max_bits = static_cast<double>(parse_whole(Word{max_bits}, LONG_MAX));
+  if (app.count("--max-memory") != 0) {
+    if (app.count("--max-bits") != 0) refuse("--max-bits excludes --max-memory");
+    settings.limits.max_bits = parse_memory(max_memory);
   }
-  if (max_digits) settings.limits.max_digits = parse_count(Word{*max_digits});
-  if (max_bits)
-    settings.limits.max_bits = static_cast<double>(parse_whole(Word{*max_bits}, LONG_MAX));
   if (settings.style.places > settings.limits.max_digits)
-    refuse("--digits-out " + *places + " is more than --max-digits " +
+    refuse("--digits-out " + places + " is more than --max-digits " +
            std::to_string(settings.limits.max_digits));
 }
 
-int CommandLine::answer(Function function) {
-  QueryText text{function, {}, {}, {}, lower, upper, derivative};
-  auto const& signature = signature_of(function);
-  std::string line(signature.name);  // as a file of queries would have it
-  auto const append = [&line](std::string const& word) {
-    line += ' ' + word;
-    return Word{word, line.size() - word.size() + 1};
-  };
-  if (!signature.number.empty()) text.number = append(number);
-  if (!signature.count.empty()) text.count = append(count);
-  if (terms) {
-    line += " --terms";
-    text.terms = append(*terms);
+int CommandLine::answer(Function const& function, CLI::App const& command) const {
+  Query query{&function};
+  std::string line = function.name;  // as a file of queries would have it
+  for (auto const& argument : function.arguments) {
+    auto const& given = command.get_option(argument.name)->results();
+    query.words.emplace_back();
+    if (given.empty()) continue;
+    if (argument.is_option()) line += ' ' + argument.name;
+    std::string_view text = given.front();
+    if (is_disguised(text)) text.remove_prefix(1);
+    query.words.back() = Word{text, line.size() + 2};
+    line += ' ';
+    line += query.words.back()->text;
   }
-  for (auto const& [flag, option] :
-       {std::pair(lower, " --lower"), {upper, " --upper"}, {derivative, " --derivative"}})
-    if (flag) line += option;
+  for (auto const& flag : function.flags)
+    if (command.count(flag.name) != 0) {
+      line += ' ' + flag.name;
+      query.*flag.field = flag.value;
+    }
 
   try {
-    Query const query = parse_query(text);
-    Answer const answer = Solver(settings.limits).answer(query, places_of(query, settings.style));
-    print(settings.style.json ? to_json(line, query, answer, settings.style)
-                              : to_text(query, answer, settings.style, "\n", "\n"));
-    print("\n");
+    parse_words(query);
+    auto const demand = settings.limits.check(query, places_of(query, settings.style));
+    Progress const progress([&](std::span<char> text, long seconds) {
+      bool const is_long = line.size() > 30;
+      return std::snprintf(text.data(), text.size(), "%.*s%s: %ld s, about %.0e bits of work",
+                           is_long ? 27 : 30, line.c_str(), is_long ? "..." : "", seconds,
+                           demand.worked_through);
+    });
+    Answer const answer =
+        Solver(settings.limits).answer_within(settings.limits.max_bits, query, demand.held);
+    print({settings.style.json ? to_json(line, query, answer, settings.style)
+                               : to_text(query, answer, settings.style, "\n", "\n"),
+           "\n"});
+    if (shows_only_zeros(query, answer, settings.style))
+      complain({"all digits shown are zeros; --digits-out or more DIGITS may show others"});
     return 0;
   } catch (Refusal const& refusal) {
-    if (settings.style.json) print(to_json(line, refusal) + '\n');
+    if (settings.style.json) {
+      put("{");
+      write_json_error(line, refusal.column, refusal.reason, put);
+      put("\n");
+    }
     throw;
   }
 }
@@ -290,26 +310,37 @@ int CommandLine::run(int argc, char const* const* argv) {
     return std::find(argv, argv + argc, word) != argv + argc;
   };
   try {
-    // CLI11 lets "++" end a subcommand without a word; here it is an argument like any other.
+    // CLI11 would take "++" for the end of a subcommand. No function has an argument like that.
     if (given("++")) throw CLI::ArgumentMismatch("unexpected argument: ++");
-    // Nor does it take an empty value behind an equals sign, but the next word.
+    // CLI11 would take `--option= 5` for `--option=5`; an empty value is more likely a mistake.
     for (auto const* const* word = argv + 1; word < argv + argc && *word != "--"sv; ++word)
-      if (std::string_view const text = *word; text.starts_with("--") && text.ends_with('='))
-        throw CLI::ArgumentMismatch(std::string(text) + " lacks its value");
-    if (argc == 2 && given("--man-page")) return print(man_page(app)), 0;
-    if (argc == 2 && given("--bash-completion")) return print(bash_completion(app)), 0;
+      if (std::string_view const text = *word; text.starts_with("--")) {
+        if (text.ends_with('='))
+          throw CLI::ArgumentMismatch(std::string(text) + " lacks its value");
+        auto const end = text.find('=');
+        if (end != text.npos && is_flag(app, text.substr(0, end)))
+          throw CLI::ArgumentMismatch(std::string(text.substr(0, end)) + " takes no value");
+      }
+    if (argc == 2 && given("--man-page")) return put(man_page(app)), 0;
+    if (argc == 2 && given("--bash-completion")) return put(bash_completion(app)), 0;
     app.parse_complete_callback([this] { read_settings(); });
-    app.parse(argc, argv);
+    std::vector<std::string> words(argv + 1, argv + argc);
+    for (std::size_t i = 0; i < words.size(); ++i)
+      if (is_disguised(' ' + words[i]) &&
+          (i == 0 || (words[i - 1] != "-o" && words[i - 1] != "--output")))
+        words[i].insert(0, 1, ' ');
+    std::ranges::reverse(words);
+    app.parse(words);
     return status;
   } catch (CLI::CallForHelp const&) {
-    print(app.help());
+    put(app.help());
   } catch (CLI::CallForVersion const& version) {
-    print(version.what() + std::string("\n"));
+    print({version.what(), "\n"});
   } catch (CLI::ParseError const& error) {
-    complain(describe(error));
+    complain({describe(error)});
     return wrong_usage;
   } catch (Refusal const& refusal) {
-    complain(refusal.what());
+    complain({refusal.what()});
     return refusal.kind == Refusal::Kind::malformed ? wrong_usage : not_answered;
   }
   return 0;
@@ -318,7 +349,8 @@ int CommandLine::run(int argc, char const* const* argv) {
 /// An argument nobody asked for is the likely cause of whatever else is wrong: it is named first.
 std::string CommandLine::describe(CLI::ParseError const& error) const {
   std::string help = "zelk";
-  for (auto const* at = &app; !at->get_subcommands().empty();) {
+  auto const* at = &app;
+  while (!at->get_subcommands().empty()) {
     at = at->get_subcommands().front();
     help += ' ' + at->get_name();
   }
@@ -327,6 +359,11 @@ std::string CommandLine::describe(CLI::ParseError const& error) const {
   for (auto const& extra : app.remaining(true)) {
     if (extra == "--") continue;
     reason = "unexpected argument: " + extra;
+    if (!extra.starts_with('-') && at->get_require_subcommand_min() != 0) {
+      reason = extra + " is not a command; there are ";
+      for (auto const* const known : at->get_subcommands({}))
+        reason += (reason.ends_with(' ') ? "" : ", ") + known->get_name();
+    }
     break;
   }
   return reason + " (see " + help + " --help)";

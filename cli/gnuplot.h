@@ -4,11 +4,11 @@
 
 namespace zelk::cli {
 
-/// Writes the SVG image that gnuplot makes of a script, whatever its user has set for other images,
-/// to the file of that name, or to standard output if that is `-`.
+/// Writes the SVG image that gnuplot makes of a script to a file; `-` is standard output. Gnuplot
+/// does not read its user's settings. The file is opened only once the image is complete.
 ///
 /// Throws: std::system_error when gnuplot is missing or something cannot be written; Refusal, with
-/// gnuplot's reason, when it fails. The file is touched only when there is an image.
+/// gnuplot's last message, when it fails.
 void draw_by_gnuplot(std::string const& script, std::string const& file);
 
 }  // namespace zelk::cli

@@ -1,14 +1,11 @@
 #pragma once
 
+#include <string_view>
+
+#include "cli/demand.h"
 #include "cli/query.h"
 
 namespace zelk::cli {
-
-/// What a query takes by a rough estimate, in bits.
-struct Demand {
-  double held;            // by its answer, printed too, and by what the library keeps for it
-  double worked_through;  // by all steps together
-};
 
 /// What a query may ask for. Without limits a line of twenty characters could take all memory.
 struct Limits {
@@ -23,5 +20,8 @@ struct Limits {
   /// thousand times as many.
   void check(Demand const& demand) const;
 };
+
+/// A size in bytes, with K, M, G or T behind it for powers of 1024; returns bits. Throws: Refusal.
+double parse_memory(std::string_view text);
 
 }  // namespace zelk::cli

@@ -1,6 +1,7 @@
 #include "cli/lines.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,8 +19,9 @@ namespace {
 
 }  // namespace
 
-Lines::Lines(std::string file_name)
+Lines::Lines(std::string file_name, std::function<void()> before_waiting)
     : name(std::move(file_name)),
+      prepare_to_wait(std::move(before_waiting)),
       descriptor(name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
   if (descriptor < 0) fail(name);
 }
@@ -49,14 +51,21 @@ bool Lines::next() {
   }
 }
 
-/// What could be read, nothing at the end of the file.
+/// Reads at most `size` bytes; returns none at the end of the file.
 std::string_view Lines::read(char* target, std::size_t size) {
-  auto const count = ::read(descriptor, target, size);
-  if (count < 0) fail(name);
-  return {target, static_cast<std::size_t>(count)};
+  pollfd wanted = {descriptor, POLLIN, 0};
+  if (poll(&wanted, 1, 0) == 0) prepare_to_wait();
+  for (;;) {
+    auto const count = ::read(descriptor, target, size);
+    if (count >= 0) return {target, static_cast<std::size_t>(count)};
+    bool const is_empty = errno == EAGAIN || errno == EWOULDBLOCK;
+    if (!is_empty && errno != EINTR) fail(name);
+    if (is_empty) poll(&wanted, 1, -1);
+  }
 }
 
-/// Reads on, up to the end that a line of `capacity` bytes would have.
+/// Moves the unread bytes to the beginning of the buffer and reads more behind them, at most so
+/// many that a line of `capacity` bytes and its line end fit. False at the end of the file.
 bool Lines::extend() {
   auto const size = unread.size();
   std::memmove(buffer.get(), unread.data(), size);
@@ -65,14 +74,23 @@ bool Lines::extend() {
   return !more.empty();
 }
 
+/// Keeps what is unread as the beginning of a line, and drops the rest of that line.
 void Lines::skip_rest() {
-  cut = true;
   line = unread;
+  bool is_comment = line.find('#') != std::string_view::npos;
+  auto const look_at = [&](std::string_view dropped) {
+    auto const first = dropped.find_first_not_of(" \t\r");
+    if (is_comment || first == std::string_view::npos) return;
+    is_comment = dropped[first] == '#';
+    cut = cut || !is_comment;
+  };
+  look_at(line.substr(capacity));
   for (;;) {
     unread = read(buffer.get() + capacity + 1, block);
+    auto const end = unread.find('\n');
+    look_at(unread.substr(0, end));
     if (unread.empty()) return;
-    if (auto const end = unread.find('\n'); end != std::string_view::npos)
-      return unread.remove_prefix(end + 1);
+    if (end != std::string_view::npos) return unread.remove_prefix(end + 1);
   }
 }
 

@@ -1,37 +1,35 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace zelk::cli {
 
-/// The lines of a file, one after the other, in memory that does not grow.
+/// Reads a file line by line through a buffer of fixed size.
 class Lines {
  public:
-  /// Bytes of the longest line that is read as a whole.
+  /// A longer line, in bytes without its end, is cut: only its beginning can be seen.
   static constexpr std::size_t capacity = std::size_t{1} << 24;
 
-  /// Of the file of that name, or of standard input if that is `-`.
+  /// Opens the file of that name; `-` is standard input. Before it waits for input, `next` calls
+  /// `before_waiting`: the other end of a pipe may be waiting for an answer before it writes on.
   /// Throws: std::system_error when it cannot be read; so does `next`.
-  explicit Lines(std::string file_name);
+  Lines(std::string file_name, std::function<void()> before_waiting);
   Lines(Lines const&) = delete;
   Lines& operator=(Lines const&) = delete;
   ~Lines();
 
-  /// Whether there is one more line. The last one may lack its end.
+  /// Goes to the next line; false at the end of the file. The last line may lack its line end.
   bool next();
 
-  /// The line without its end; good until the next.
+  /// The line without its line end; valid until the next call of `next`.
   std::string_view text() const { return line; }
 
-  /// Whether `text()` is only the beginning of a longer line.
+  /// Whether the line is longer than `text()` by more than blanks and a comment.
   bool is_cut() const { return cut; }
-
-  /// Whether the whole next line was read already. If not, whoever feeds a pipe may be waiting for
-  /// an answer before writing on.
-  bool are_at_hand() const { return unread.find('\n') != std::string_view::npos; }
 
  private:
   static constexpr std::size_t block = std::size_t{1} << 16;
@@ -41,11 +39,13 @@ class Lines {
   void skip_rest();
 
   std::string name;
+  std::function<void()> prepare_to_wait;
   int descriptor;
-  // A line with its end, and room to read over the rest of a longer one.
+  // Holds the longest line with its line end, and behind it one block: there the rest of a line
+  // that is cut is read and dropped.
   std::unique_ptr<char[]> buffer{new char[capacity + 1 + block]};
   std::string_view line;
-  std::string_view unread{buffer.get(), 0};
+  std::string_view unread{buffer.get(), 0};  // in the buffer, behind the line
   bool cut = false;
 };
 

@@ -5,10 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "zelk/version.h"
+
 namespace zelk::cli {
 namespace {
 
-/// As roff takes it literally: an empty line is a paragraph, a line cannot begin with its controls.
+/// A text that roff prints as it is. `\&` prints nothing; at the beginning of a line it keeps roff
+/// from taking a dot for a request, and an empty line for the end of a paragraph.
 std::string escaped(std::string_view text) {
   std::string result;
   for (char const c : text) {
@@ -58,7 +61,7 @@ void describe_commands(CLI::App const& app, std::string const& path, std::string
 
 using Names = std::set<std::string>;
 
-/// All in one, each followed by `end`.
+/// The names in one text, each followed by `end`.
 std::string joined(Names const& names, char const* end) {
   std::string text;
   for (auto const& name : names) text += name + end;
@@ -101,7 +104,7 @@ std::string branches(CLI::App const& command, std::string const& path, Names con
 
 std::string man_page(CLI::App const& app) {
   std::string page =
-      ".TH ZELK 1 \"\" \"zelk " ZELK_VERSION
+      ".TH ZELK 1 \"\" \"zelk " ZELK_VERSION_STRING
       "\" \"User Commands\"\n"
       ".SH NAME\nzelk \\- exact rationals: continued fractions, convergents, guaranteed bounds\n"
       ".SH SYNOPSIS\n.B zelk\n[\\fIOPTION\\fR]... \\fICOMMAND\\fR [\\fIARGUMENT\\fR]...\n"
@@ -113,7 +116,14 @@ std::string man_page(CLI::App const& app) {
   page += ".SH NOTES\n" + literal(app.get_footer());
   page +=
       ".SH ENVIRONMENT\n.TP\n.B NO_COLOR\n"
-      "If set and not empty, diagnostics on a terminal have no colour.\n";
+      "If set and not empty, diagnostics on a terminal have no colour.\n"
+      ".SH EXIT STATUS\n"
+      ".TP\n.B 0\nAll queries were answered.\n"
+      ".TP\n.B 1\nSome query was not answered.\n"
+      ".TP\n.B 2\nThe command was used wrongly.\n"
+      ".TP\n.B 3\nSomething could not be read or written.\n"
+      ".SH SEE ALSO\n.BR gnuplot (1),\n.BR bc (1)\n.PP\n"
+      "What this page leaves out is told in command.md among the documents of the package.\n";
   return page;
 }
 

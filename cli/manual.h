@@ -6,7 +6,8 @@ namespace CLI {
 class App;
 }
 
-/// Papers of the command, made of what --help says: they cannot tell anything else.
+/// The manual page and the shell completion. Both are made from the options and descriptions that
+/// --help shows, and so agree with it.
 namespace zelk::cli {
 
 /// In roff, section 1.

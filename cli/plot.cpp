@@ -1,12 +1,15 @@
 #include "cli/plot.h"
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
-#include <climits>
 #include <cmath>
+#include <cstdio>
 #include <iterator>
+#include <span>
 
 #include "cli/gnuplot.h"
+#include "cli/progress.h"
 #include "cli/solver.h"
 #include "zelk/convert/machine.h"
 #include "zelk/convert/text.h"
@@ -14,11 +17,11 @@
 namespace zelk::cli {
 namespace {
 
-/// As gnuplot takes it, with some room left for its axes.
+/// A double for gnuplot, whose axes reach beyond the largest coordinate and must be doubles too.
 double coordinate(QNumber const& q) {
   double const x = convert::to_double(q, convert::Rounding::nearest);
   if (std::abs(x) > 1e300)
-    throw Refusal(Refusal::Kind::unanswerable, 1, "", "some numbers are too large to be drawn");
+    throw Refusal(Refusal::Kind::unanswerable, "some numbers are too large to be drawn");
   return x;
 }
 
@@ -44,51 +47,61 @@ constexpr char preamble[] =
 
 }  // namespace
 
-void plot_enclosures(Function function, PlotOptions const& options, Settings const& settings) {
+void plot_bounds(Function const& function, PlotOptions const& options, Settings const& settings) {
   QNumber const from = parse_number(Word{options.from});
   QNumber const to = parse_number(Word{options.to});
   unsigned const points = parse_count(Word{options.points});
   if (points < 2 || points > 100'000)
-    throw Refusal(Refusal::Kind::malformed, 1, "",
+    throw Refusal(Refusal::Kind::malformed,
                   "--points " + options.points + ": from 2 to 100000 points can be drawn");
-  // Gnuplot needs some of the 53 bits of a double for its axes.
+  // Gnuplot places points and ticks in the range by doubles, which need some bits to tell them
+  // apart.
   double const end = std::max(std::abs(coordinate(from)), std::abs(coordinate(to)));
   if (!(from < to) || coordinate(to - from) < std::max(1e-9 * end, 1e-300))
-    throw Refusal(Refusal::Kind::malformed, 1, "",
+    throw Refusal(Refusal::Kind::malformed,
                   "the range from " + options.from + " to " + options.to +
                       (from < to ? " is too narrow to be drawn" : " is empty"));
-  Query query{function, from, parse_count(Word{options.digits}), 0, false};
+  Query query{&function};
+  query.digits = parse_count(Word{options.digits});
   QNumber const step = (to - from) / QNumber(points - 1L);
   Demand all = {0, 0};
   for (unsigned i = 0; i < points; ++i) {
-    query.number = from + QNumber(i) * step;
+    query.numbers = {from + QNumber(i) * step};
     all.worked_through += settings.limits.check(query, 0).worked_through;
   }
   settings.limits.check(all);
 
   std::string script = std::string(preamble) + "$bounds << END\n";
   Solver solver(settings.limits);
-  for (unsigned i = 0; i < points; ++i) {
-    query.number = from + QNumber(i) * step;
+  std::atomic<unsigned> done = 0;
+  Progress const progress([&](std::span<char> line, long) {
+    return std::snprintf(line.data(), line.size(), "%s: %u of %u points", function.name.c_str(),
+                         done.load(), points);
+  });
+  for (unsigned i = 0; i < points; ++i, ++done) {
+    query.numbers = {from + QNumber(i) * step};
     auto const [lower, upper] = std::get<Bounds>(solver.answer(query, 0));
-    script += show(query.number) + ' ' + show(lower) + ' ' + show(upper) + '\n';
+    script += show(query.numbers[0]) + ' ' + show(lower) + ' ' + show(upper) + '\n';
   }
-  std::string const name(signature_of(function).name);
   script +=
       "END\nset key above maxrows 1\nset xlabel 'x'\n"
       "plot $bounds using 1:2:3 with filledcurves lc rgb '#9ec9e2' title '" +
-      name + " x to " + options.digits +
+      function.name + " x to " + options.digits +
       " digits', '' using 1:2 with lines lc rgb '#1f6f9f' title 'lower bound', "
       "'' using 1:3 with lines lc rgb '#c2571a' title 'upper bound'\n";
   draw_by_gnuplot(script, options.file);
 }
 
 void plot_convergents(PlotOptions const& options, Settings const& settings) {
-  Query const query{Function::convergents, parse_number(Word{options.number}), UINT_MAX, 0, false};
+  Query query{find_function("convergents")};
+  query.numbers = {parse_number(Word{options.number})};
+  Progress const progress([&](std::span<char> line, long seconds) {
+    return std::snprintf(line.data(), line.size(), "convergents: %ld s", seconds);
+  });
   auto const convergents =
       std::get<std::vector<Convergent>>(Solver(settings.limits).answer(query, 0));
   if (convergents.size() == 1)
-    throw Refusal(Refusal::Kind::unanswerable, 1, "",
+    throw Refusal(Refusal::Kind::unanswerable,
                   convert::quoted(options.number) + ": an integer has no convergents to draw");
   std::string script = std::string(preamble) + "$convergents << END\n";
   for (std::size_t i = 0; i < convergents.size(); ++i) {
@@ -97,7 +110,7 @@ void plot_convergents(PlotOptions const& options, Settings const& settings) {
     script +=
         std::to_string(i + 1) + ' ' + show(value) + ' ' + log + " \"" + std::string(side) + "\"\n";
   }
-  std::string const value = show(query.number);
+  std::string const value = show(query.numbers[0]);
   script +=
       "END\n"
       "set multiplot layout 2,1\n"

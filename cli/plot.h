@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "cli/query.h"
+#include "cli/functions.h"
 #include "cli/settings.h"
 
 namespace zelk::cli {
 
-/// What is drawn, as texts.
+/// What is drawn, in the words of the command line.
 struct PlotOptions {
   std::string file;  // an SVG image; - is standard output
   std::string from = "-2";
@@ -17,9 +17,11 @@ struct PlotOptions {
   std::string number;  // whose convergents
 };
 
-/// Draws, by gnuplot, the enclosures of exp, sin or cos over a range of points.
+/// Draws, by gnuplot, the bounds that a function has over a range of points.
+///
+/// Requires: the function can be plotted.
 /// Throws: Refusal; std::system_error when gnuplot is missing or the file cannot be written.
-void plot_enclosures(Function function, PlotOptions const& options, Settings const& settings);
+void plot_bounds(Function const& function, PlotOptions const& options, Settings const& settings);
 
 /// Draws the convergents of a number, which close in on it from both sides.
 void plot_convergents(PlotOptions const& options, Settings const& settings);

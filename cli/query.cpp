@@ -2,25 +2,13 @@
 
 #include <algorithm>
 #include <charconv>
-#include <limits>
 #include <system_error>
 
+#include "cli/functions.h"
 #include "zelk/convert/text.h"
 
 namespace zelk::cli {
 namespace {
-
-constexpr Signature all[] = {
-    {Function::cf, "cf", "Q", "", true, false, false},
-    {Function::approx, "approx", "Q", "TERMS", false, true, false},
-    {Function::convergents, "convergents", "Q", "", true, false, false},
-    {Function::exp, "exp", "X", "DIGITS", false, false, true},
-    {Function::sin, "sin", "X", "DIGITS", false, false, true},
-    {Function::cos, "cos", "X", "DIGITS", false, false, true},
-    {Function::pi, "pi", "", "DIGITS", false, false, false},
-};
-
-constexpr unsigned largest_count = std::numeric_limits<unsigned>::max();
 
 [[noreturn]] void refuse(Word const& word, std::string const& reason) {
   throw Refusal(Refusal::Kind::malformed, word.column, reason,
@@ -49,112 +37,157 @@ class Words {
   std::size_t position = 0;
 };
 
-Signature const& find_signature(Word const& name) {
-  auto const* const found = std::ranges::find(all, name.text, &Signature::name);
-  if (found != std::end(all)) return *found;
+Function const& function_of(Word const& name) {
+  if (auto const* const function = find_function(name.text)) return *function;
   std::string known;
-  for (auto const& signature : all)
-    known += (known.empty() ? "" : ", ") + std::string(signature.name);
+  for (auto const& function : all_functions()) known += (known.empty() ? "" : ", ") + function.name;
   refuse(name, "not a function; there are " + known);
 }
 
-/// `--terms 5` and `--terms=5`.
-Word value_of(Word const& option, std::string_view name, Words& words) {
+/// Of `--terms 5` and `--terms=5` the word 5.
+Word value_of(Word const& option, std::string const& name, Words& words) {
   if (option.text.size() > name.size())
     return {option.text.substr(name.size() + 1), option.column + name.size() + 1};
   if (auto const value = words.next()) return *value;
-  refuse(words.end(), std::string(name) + " needs a value");
+  refuse(words.end(), name + " needs a value");
 }
 
-void read_option(Word const& option, Signature const& signature, Words& words, QueryText& query) {
-  bool const is_terms = option.text == "--terms" || option.text.starts_with("--terms=");
-  if (signature.takes_terms && is_terms && query.terms) refuse(option, "given twice");
-  if (signature.takes_terms && is_terms)
-    query.terms = value_of(option, "--terms", words);
-  else if (signature.takes_side && option.text == "--lower")
-    query.lower = true;
-  else if (signature.takes_side && option.text == "--upper")
-    query.upper = true;
-  else if (signature.takes_derivative && option.text == "--derivative")
-    query.derivative = true;
-  else
-    refuse(option, "not an option of " + std::string(signature.name));
-  if (query.lower && query.upper) refuse(option, "--lower excludes --upper");
+void read_option(Word const& option, Words& words, Query& query) {
+  auto const& arguments = query.function->arguments;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    std::string const& name = arguments[i].name;
+    if (!arguments[i].is_option()) continue;
+    if (option.text != name && !option.text.starts_with(name + '=')) continue;
+    if (query.words[i]) refuse(option, "given twice");
+    query.words[i] = value_of(option, name, words);
+    return;
+  }
+  auto const& flags = query.function->flags;
+  auto const flag = std::ranges::find(flags, option.text, &Flag::name);
+  if (flag == flags.end()) refuse(option, "not an option of " + query.function->name);
+  int& field = query.*(flag->field);
+  if (field != 0 && field != flag->value) {
+    std::string names;
+    for (Flag const& each : flags)
+      if (each.field == flag->field) names += (names.empty() ? "" : " excludes ") + each.name;
+    refuse(option, names);
+  }
+  field = flag->value;
+}
+
+void read_argument(Word const& word, Query& query) {
+  auto const& arguments = query.function->arguments;
+  for (std::size_t i = 0; i < arguments.size(); ++i)
+    if (!arguments[i].is_option() && !query.words[i]) {
+      query.words[i] = word;
+      return;
+    }
+  refuse(word, "unexpected argument");
 }
 
 }  // namespace
 
-Signature const& signature_of(Function function) {
-  return *std::ranges::find(all, function, &Signature::function);
-}
-
-QueryText split_query(std::string_view line) {
+Query parse_query(std::string_view line) {
   Words words(line);
   auto const name = words.next();
   if (!name) refuse(words.end(), "a function is missing");
-  Signature const& signature = find_signature(*name);
-  QueryText query{signature.function, {}, {}, {}};
+  Query query{&function_of(*name)};
+  auto const& arguments = query.function->arguments;
+  query.words.resize(arguments.size());
   bool options = true;
   while (auto const word = words.next()) {
     if (options && word->text == "--")
       options = false;
     else if (options && word->text.starts_with("--"))
-      read_option(*word, signature, words, query);
-    else if (!signature.number.empty() && !query.number)
-      query.number = word;
-    else if (!signature.count.empty() && !query.count)
-      query.count = word;
+      read_option(*word, words, query);
     else
-      refuse(*word, "unexpected argument");
+      read_argument(*word, query);
   }
-  for (auto const& [argument, given] :
-       {std::pair(signature.number, query.number), std::pair(signature.count, query.count)})
-    if (!argument.empty() && !given) refuse(words.end(), std::string(argument) + " is missing");
+  for (std::size_t i = 0; i < arguments.size(); ++i)
+    if (!arguments[i].is_option() && !query.words[i])
+      refuse(words.end(), arguments[i].name + " is missing");
+  parse_words(query);
   return query;
 }
 
-Query parse_query(QueryText const& text) {
-  Query query{text.function, {}, largest_count, text.upper - text.lower, text.derivative};
-  if (text.number) query.number = parse_number(*text.number);
-  if (text.count) query.count = parse_count(*text.count);
-  if (text.terms) {
-    query.count = parse_count(*text.terms);
-    if (query.count == 0)
-      throw Refusal(
-          Refusal::Kind::malformed, text.terms->column, "at least one term must be asked for",
-          "--terms " + std::string(text.terms->text) + ": at least one term must be asked for");
+void parse_words(Query& query) {
+  for (std::size_t i = 0; i < query.words.size(); ++i) {
+    if (!query.words[i]) continue;
+    auto const& argument = query.function->arguments[i];
+    auto const& word = *query.words[i];
+    switch (argument.kind) {
+      case Argument::Kind::number:
+        query.numbers.push_back(parse_number(word));
+        break;
+      case Argument::Kind::limit: {
+        QNumber const limit = parse_number(word);
+        if (!limit.is_integer() || limit.sign() <= 0)
+          refuse(word, "expected a whole number from 1 on for " + argument.name);
+        query.numbers.push_back(limit);
+        break;
+      }
+      case Argument::Kind::digits:
+        query.digits = parse_count(word, argument.name);
+        break;
+      case Argument::Kind::terms:
+        query.terms = parse_count(word, argument.name);
+        if (query.terms == 0 && argument.is_option()) {
+          std::string const reason = "at least one term must be asked for";
+          throw Refusal(Refusal::Kind::malformed, word.column, reason,
+                        argument.name + ' ' + std::string(word.text) + ": " + reason);
+        }
+        break;
+    }
   }
-  if (query.function == Function::approx && query.count == 0 && !query.number.is_integer())
-    throw Refusal(Refusal::Kind::unanswerable, text.count->column, "no terms leave no convergent",
-                  "approx " + std::string(text.number->text) + ' ' + std::string(text.count->text) +
-                      ": no terms leave no convergent");
-  return query;
 }
 
 QNumber parse_number(Word const& word) {
+  constexpr std::string_view blanks = " \t";
+  constexpr std::string_view digits = "0123456789";
+  // The text is brought into the form that the library reads, and columns back.
+  auto const size = word.text.size();
+  auto first = std::min(word.text.find_first_not_of(blanks), size);
+  std::string text(word.text.substr(first, word.text.find_last_not_of(blanks) + 1 - first));
+  auto const is_digit = [&](std::size_t at) {
+    return at < text.size() && digits.find(text[at]) != std::string_view::npos;
+  };
+  if (text.starts_with('+') && (is_digit(1) || text.starts_with("+."))) {
+    text.erase(0, 1);
+    ++first;
+  }
+  auto const start = static_cast<std::size_t>(text.starts_with('-'));
+  auto const point = std::min(text.find_first_not_of(digits, start), text.size());
+  auto inserted = text.size();  // where a zero was
+  if (point < text.size() && text[point] == '.' && is_digit(point + 1) != (point > start)) {
+    inserted = point > start ? point + 1 : point;
+    text.insert(inserted, 1, '0');
+  }
   try {
-    return convert::parse_rational(word.text);
+    return convert::parse_rational(text);
   } catch (convert::ParseError const& error) {
-    throw Refusal(Refusal::Kind::malformed, word.column + error.column() - 1,
-                  std::string(error.reason()), error.what());
+    auto const column =
+        first + error.column() - static_cast<std::size_t>(error.column() > inserted + 1);
+    std::string const reason(error.reason());
+    throw Refusal(Refusal::Kind::malformed, word.column + column - 1, reason,
+                  convert::ParseError(word.text, column, reason).what());
   }
 }
 
-unsigned long parse_whole(Word const& word, unsigned long most) {
+unsigned long parse_whole(Word const& word, unsigned long most, std::string const& name) {
   auto const text = word.text;
   unsigned long value = 0;
   auto const* const end = text.data() + text.size();
   auto const [rest, error] = std::from_chars(text.data(), end, value);
   bool const whole = rest == end && error != std::errc::invalid_argument;
   if (whole && error == std::errc{} && value <= most) return value;
-  std::string reason = "expected a whole number";
+  std::string reason = "expected a whole number" + (name.empty() ? "" : " for " + name);
   if (text.starts_with('-')) reason = "a count cannot be negative";
   if (whole) reason = "a count is at most " + std::to_string(most);
   refuse(word, reason);
 }
 
-unsigned parse_count(Word const& word) {
-  return static_cast<unsigned>(parse_whole(word, largest_count));
+unsigned parse_count(Word const& word, std::string const& name) {
+  return static_cast<unsigned>(parse_whole(word, UINT_MAX, name));
 }
 
 }  // namespace zelk::cli

@@ -1,30 +1,19 @@
 #pragma once
 
+#include <climits>
 #include <cstddef>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "zelk/numbers/q_number.h"
 
 namespace zelk::cli {
 
-enum class Function { cf, approx, convergents, exp, sin, cos, pi };
-
-/// What a function takes; an empty name stands for an argument that it does not take.
-struct Signature {
-  Function function;
-  std::string_view name;
-  std::string_view number;
-  std::string_view count;
-  bool takes_terms;
-  bool takes_side;
-  bool takes_derivative;
-};
-
-Signature const& signature_of(Function function);
+struct Function;  // cli/functions.h
 
 /// A text and where it stands in its line, counted from 1.
 struct Word {
@@ -32,21 +21,23 @@ struct Word {
   std::size_t column = 1;
 };
 
-/// The parts of a query as they were written.
-struct QueryText {
-  Function function;
-  std::optional<Word> number, count, terms;
-  bool lower = false;
-  bool upper = false;
-  bool derivative = false;
-};
-
+/// A function with all that it is asked for.
 struct Query {
-  Function function;
-  QNumber number;
-  unsigned count;  // of terms or digits; without --terms all of them
-  int direction;   // as in RationalApproximator::approx
-  bool derivative;
+  Function const* function;
+  std::vector<std::optional<Word>> words = {};  // for each argument of the function, if given
+
+  // What the words say.
+  std::vector<QNumber> numbers = {};
+  unsigned terms = UINT_MAX;  // as many as there are
+  std::optional<unsigned> digits = {};
+
+  // What the flags say.
+  int direction = 0;  // as in RationalApproximator::approx
+  int kind = 0;       // of bounds: those of the function itself, or one of these
+  static constexpr int derivative = 1;
+  static constexpr int shortened = 2;
+  int open = 0;   // whether an interval is without its ends
+  int floor = 0;  // whether the terms of a negative number are floors, whatever its size
 };
 
 /// Why a query is not answered: it is malformed, or well formed and without an answer here.
@@ -62,25 +53,30 @@ class Refusal : public std::runtime_error {
         column(offending_column),
         reason(std::move(short_reason)) {}
 
+  /// Of a query as a whole.
+  Refusal(Kind refusal_kind, std::string const& message)
+      : Refusal(refusal_kind, 1, message, message) {}
+
   Kind kind;
   std::size_t column;
   std::string reason;
 };
 
-/// A query in words with blanks between them, as on the command line, comment and line end removed.
-/// Throws: Refusal.
-QueryText split_query(std::string_view line);
+/// Reads a query from its words with blanks or tabs between them, as on the command line but
+/// without quotes. The words of the result are parts of the line. Throws: Refusal.
+Query parse_query(std::string_view line);
 
-/// Throws: Refusal.
-Query parse_query(QueryText const& text);
+/// Sets the numbers, terms and digits of a query from its words. Throws: Refusal.
+void parse_words(Query& query);
 
-/// A fraction or decimal. Throws: Refusal.
+/// A fraction or decimal. Also with blanks around it, a plus sign, or no digits on one side of the
+/// point. Throws: Refusal.
 QNumber parse_number(Word const& word);
 
 /// A whole number up to `most`. Throws: Refusal.
-unsigned long parse_whole(Word const& word, unsigned long most);
+unsigned long parse_whole(Word const& word, unsigned long most, std::string const& name = "");
 
-/// A number of terms or digits. Throws: Refusal.
-unsigned parse_count(Word const& word);
+/// A number of terms or digits, the value of `name` if that is not empty. Throws: Refusal.
+unsigned parse_count(Word const& word, std::string const& name = "");
 
 }  // namespace zelk::cli

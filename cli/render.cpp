@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <climits>
-#include <nlohmann/json.hpp>
 #include <utility>
 
+#include "cli/json.h"
 #include "zelk/convert/decimal.h"
 #include "zelk/convert/text.h"
 
@@ -12,25 +12,21 @@ namespace zelk::cli {
 namespace {
 
 using convert::to_string;
-using nlohmann::ordered_json;
 
 /// In ascending order: the companion bounds of exp need not be.
 Bounds ascending(Bounds const& bounds) {
   return bounds.second < bounds.first ? Bounds(bounds.second, bounds.first) : bounds;
 }
 
-/// Writes the parts of one answer.
-class Writer {
- public:
-  Writer(Query const& query, Style const& style, std::string_view between_parts,
-         std::string_view between_convergents)
-      : places(places_of(query, style)),
-        format(style.format),
-        separator(between_parts),
-        between(between_convergents) {}
+/// Writes one answer as text.
+struct Writer {
+  unsigned places;
+  Format format;
+  std::string_view separator;
+  std::string_view between;
 
-  /// In the usual notation, `[4; 2, 6, 7]`. The library gives zero no terms; as everywhere else it
-  /// is written here as the integer that it is.
+  /// In the usual notation, `[4; 2, 6, 7]`. The library gives zero no terms; here it gets the term
+  /// 0, as other integers have themselves.
   std::string operator()(Terms const& terms) const {
     if (terms.empty()) return "[0]";
     std::string text = "[" + to_string(terms.front());
@@ -50,18 +46,27 @@ class Writer {
 
   std::string operator()(std::vector<Convergent> const& convergents) const {
     std::string text;
-    for (auto const& [value, side, distance] : convergents) {
+    for (Convergent const& convergent : convergents) {
       if (!text.empty()) text += between;
-      bool const fraction = format != Format::decimal;
-      text += fraction ? to_string(value) : decimal(value);
-      text += ' ' + std::string(side) + ' ';
-      text += fraction ? to_string(distance) : decimal(distance);
-      if (format == Format::both) text += ' ' + decimal(value) + ' ' + decimal(distance);
+      text += all_of(convergent);
     }
     return text;
   }
 
- private:
+  std::string operator()(Best const& best) const {
+    return format == Format::both ? all_of(best) : (*this)(best.value);
+  }
+
+  std::string all_of(Convergent const& convergent) const {
+    auto const& [value, side, distance] = convergent;
+    bool const fraction = format != Format::decimal;
+    std::string text = fraction ? to_string(value) : decimal(value);
+    text += ' ' + std::string(side) + ' ';
+    text += fraction ? to_string(distance) : decimal(distance);
+    if (format == Format::both) text += ' ' + decimal(value) + ' ' + decimal(distance);
+    return text;
+  }
+
   std::string decimal(QNumber const& value) const {
     return convert::to_decimal(value, places, convert::Rounding::nearest);
   }
@@ -71,89 +76,107 @@ class Writer {
     if (format == Format::decimal) return decimal;
     return fraction.append(separator) + decimal;
   }
-
-  unsigned places;
-  Format format;
-  std::string_view separator;
-  std::string_view between;
 };
 
-/// Enters the parts of one answer into an object. Numbers as strings: a JSON number would be
-/// rounded by whoever reads it.
-class JsonWriter {
- public:
-  JsonWriter(Query const& query, Style const& style, ordered_json& into)
-      : places(places_of(query, style)),
-        with_decimals(style.format != Format::fraction),
-        object(into) {}
+/// Appends the parts of one answer to an object. Numbers as strings: a JSON number would be rounded
+/// by whoever reads it.
+struct JsonWriter {
+  unsigned places;
+  Format format;
+  std::string& object;
 
   void operator()(Terms const& terms) const {
-    auto& list = object["terms"] = ordered_json::array();
-    for (QNumber const& term : terms) list.push_back(to_string(term));
-    if (terms.empty()) list.push_back("0");
+    object += ",\"terms\":[";
+    for (std::size_t i = 0; i < terms.size(); ++i) {
+      if (i != 0) object += ',';
+      object += '"' + to_string(terms[i]) + '"';
+    }
+    object += terms.empty() ? "\"0\"]" : "]";
   }
 
   void operator()(QNumber const& value) const {
-    object["value"] = number(value, convert::Rounding::nearest);
+    append(",\"value\":", value, convert::Rounding::nearest);
   }
 
   void operator()(Bounds const& bounds) const {
     auto const [lower, upper] = ascending(bounds);
-    object["lower"] = number(lower, convert::Rounding::down);
-    object["upper"] = number(upper, convert::Rounding::up);
+    append(",\"lower\":", lower, convert::Rounding::down);
+    append(",\"upper\":", upper, convert::Rounding::up);
   }
 
   void operator()(std::vector<Convergent> const& convergents) const {
-    auto& list = object["convergents"] = ordered_json::array();
-    for (auto const& [value, side, distance] : convergents)
-      list.push_back({{"value", number(value, convert::Rounding::nearest)},
-                      {"side", side},
-                      {"distance", number(distance, convert::Rounding::nearest)}});
+    char const* before = ",\"convergents\":[{";
+    for (Convergent const& convergent : convergents) {
+      object += before;
+      append_all(convergent);
+      before = "},{";
+    }
+    object += "}]";
   }
 
- private:
-  ordered_json number(QNumber const& q, convert::Rounding rounding) const {
-    auto text = to_string(q);
-    auto const slash = std::min(text.find('/'), text.size());
-    ordered_json parts = {{"numerator", text.substr(0, slash)},
-                          {"denominator", slash < text.size() ? text.substr(slash + 1) : "1"}};
-    if (with_decimals) parts["decimal"] = convert::to_decimal(q, places, rounding);
-    return parts;
+  void operator()(Best const& best) const {
+    if (format != Format::both) return (*this)(best.value);
+    object += ',';
+    append_all(best);
   }
 
-  unsigned places;
-  bool with_decimals;
-  ordered_json& object;
+  void append_all(Convergent const& convergent) const {
+    append("\"value\":", convergent.value, convert::Rounding::nearest);
+    object.append(",\"side\":\"").append(convergent.side) += '"';
+    append(",\"distance\":", convergent.distance, convert::Rounding::nearest);
+  }
+
+  void append(char const* member, QNumber const& q, convert::Rounding rounding) const {
+    auto const text = to_string(q);
+    std::string_view const parts = text;
+    auto const slash = std::min(parts.find('/'), parts.size());
+    object.append(member).append("{\"numerator\":\"").append(parts.substr(0, slash));
+    object.append("\",\"denominator\":\"");
+    object += slash < parts.size() ? parts.substr(slash + 1) : "1";
+    if (format != Format::fraction)
+      object.append("\",\"decimal\":\"").append(convert::to_decimal(q, places, rounding));
+    object += "\"}";
+  }
 };
-
-std::string dump(ordered_json const& object) {
-  return object.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-}
 
 }  // namespace
 
 unsigned places_of(Query const& query, Style const& style) {
   if (style.format == Format::fraction) return 0;
   if (style.places) return *style.places;
-  bool const by_digits = signature_of(query.function).count == "DIGITS";
-  return by_digits ? std::min(query.count, UINT_MAX - 2) + 2 : 20;
+  if (!query.digits) return places_without_digits;
+  return std::min(*query.digits, UINT_MAX - places_beyond_digits) + places_beyond_digits;
 }
 
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
                     std::string_view separator, std::string_view between) {
-  return std::visit(Writer(query, style, separator, between), answer);
+  return std::visit(Writer{places_of(query, style), style.format, separator, between}, answer);
+}
+
+bool shows_only_zeros(Query const& query, Answer const& answer, Style const& style) {
+  if (style.format == Format::fraction) return false;
+  auto const vanishes = [places = places_of(query, style)](QNumber const& q) {
+    if (QNumber const size = abs(q); size < 1)
+      return convert::to_decimal(size, places, convert::Rounding::down).find_first_not_of("0.") ==
+             std::string::npos;
+    return false;
+  };
+  auto const all_vanish = [&](QNumber const& a, QNumber const& b) {
+    return !(a.is_zero() && b.is_zero()) && vanishes(a) && vanishes(b);
+  };
+  if (auto const* const value = std::get_if<QNumber>(&answer)) return all_vanish(*value, *value);
+  if (auto const* const best = std::get_if<Best>(&answer))
+    return all_vanish(best->value, best->value);
+  auto const* const bounds = std::get_if<Bounds>(&answer);
+  return bounds != nullptr && all_vanish(bounds->first, bounds->second);
 }
 
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,
                     Style const& style) {
-  ordered_json object = {{"query", query_text}};
-  std::visit(JsonWriter(query, style, object), answer);
-  return dump(object);
-}
-
-std::string to_json(std::string_view query_text, Refusal const& refusal) {
-  return dump({{"query", query_text},
-               {"error", {{"column", refusal.column}, {"message", refusal.reason}}}});
+  std::string object = "{\"query\":";
+  append_json_string(object, query_text);
+  std::visit(JsonWriter{places_of(query, style), style.format, object}, answer);
+  return object += '}';
 }
 
 }  // namespace zelk::cli

@@ -4,19 +4,24 @@
 #include <string>
 #include <string_view>
 
-#include "cli/solver.h"
+#include "cli/functions.h"
+#include "cli/json.h"
 
 namespace zelk::cli {
 
 enum class Format { fraction, decimal, both };
+constexpr std::string_view format_names[] = {"fraction", "decimal", "both"};
 
 /// How answers are written.
 struct Style {
   Format format = Format::fraction;
-  std::optional<unsigned>
-      places;  // of decimals; by default two more than the digits asked for, or 20
+  std::optional<unsigned> places;  // of decimals, if they are not to follow from the query
   bool json = false;
 };
+
+// Decimal places by default: these more than the digits asked for, or so many where no digits are.
+constexpr unsigned places_beyond_digits = 2;
+constexpr unsigned places_without_digits = 20;
 
 /// Decimal places of an answer; 0 when it is printed without decimals.
 unsigned places_of(Query const& query, Style const& style);
@@ -25,10 +30,26 @@ unsigned places_of(Query const& query, Style const& style);
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
                     std::string_view separator, std::string_view between);
 
-/// The answer, or why there is none, as a JSON object on one line. Bytes that are no UTF-8 are
-/// replaced.
+/// Whether an answer that is not 0 is shown by decimals that are all 0, but for an end that was
+/// rounded outward.
+bool shows_only_zeros(Query const& query, Answer const& answer, Style const& style);
+
+/// The answer as a JSON object on one line. Bytes that are no UTF-8 are replaced.
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,
                     Style const& style);
-std::string to_json(std::string_view query_text, Refusal const& refusal);
+
+/// Gives `put` the members of a JSON object that tells why there is no answer, with the brace
+/// behind them. Allocates nothing.
+template <class Put>
+void write_json_error(std::string_view query_text, std::size_t column, std::string_view reason,
+                      Put put) {
+  put("\"query\":");
+  write_json_string(query_text, put);
+  put(",\"error\":{\"column\":");
+  put(Decimal(column));
+  put(",\"message\":");
+  write_json_string(reason, put);
+  put("}}");
+}
 
 }  // namespace zelk::cli

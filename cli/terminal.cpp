@@ -2,71 +2,91 @@
 
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
+#include <atomic>
 #include <cstdlib>
-#include <system_error>
-#include <utility>
+#include <cstring>
+
+#include "cli/output.h"
+#include "cli/utf8.h"
 
 namespace zelk::cli {
 namespace {
 
-/// Whether the cursor stands behind a line of progress.
-bool progress_shown = false;
+std::mutex screen;
 
-void erase_progress() {
-  if (std::exchange(progress_shown, false)) std::fputs("\r\033[K", stderr);
-}
+/// Whether the cursor stands at the end of a line of progress.
+std::atomic<bool> progress_shown = false;
 
-/// Why some results could not be written, while that could not be told.
-int lost = 0;
+/// Collects a line, so that it reaches standard error in one piece unless it is very long.
+class ErrorLine {
+ public:
+  void add(std::string_view text) {
+    for (char const c : text) {
+      if (size == sizeof buffer) send();
+      buffer[size++] = c;
+    }
+  }
 
-[[noreturn]] void fail(int reason) {
-  throw std::system_error(reason, std::generic_category(), "cannot write to standard output");
-}
+  /// With everything that a terminal would interpret as an escape.
+  void add_harmless(std::string_view text) {
+    constexpr char digits[] = "0123456789abcdef";
+    while (!text.empty()) {
+      auto const [character, is_valid] = first_character(text);
+      text.remove_prefix(character.size());
+      auto const byte = [bytes = character](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+      // U+0080 to U+009f begin escape sequences as well.
+      bool const is_control =
+          byte(0) < ' ' || byte(0) == 0x7f || (byte(0) == 0xc2 && is_valid && byte(1) < 0xa0);
+      if (is_valid && !is_control) {
+        add(bytes);
+        continue;
+      }
+      for (std::size_t i = 0; i < bytes.size(); ++i) {
+        char const escape[] = {'\\', 'x', digits[byte(i) / 16], digits[byte(i) % 16]};
+        add({escape, sizeof escape});
+      }
+    }
+  }
+
+  void send() {
+    write_all(STDERR_FILENO, {buffer, size});
+    size = 0;
+  }
+
+ private:
+  char buffer[4096];
+  std::size_t size = 0;
+};
 
 }  // namespace
 
-void print(std::string_view text) {
-  if (lost != 0) fail(lost);
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) fail(errno);
-}
-
-void flush_output() {
-  if (lost != 0) fail(lost);
-  if (std::fflush(stdout) != 0) fail(errno);
-}
-
-void complain(std::string_view message) {
+void complain(std::initializer_list<std::string_view> message) noexcept {
+  try_to_flush_output();
+  Screen const own;
   char const* const no_color = std::getenv("NO_COLOR");
-  bool const coloured = isatty(STDERR_FILENO) != 0 && (no_color == nullptr || *no_color == '\0');
-  std::string line = coloured ? "\033[1;31mzelk:\033[0m " : "zelk: ";
-  for (char const c : message) {
-    bool const is_control = (c >= 0 && c < ' ') || c == 0x7f;
-    constexpr char digits[] = "0123456789abcdef";
-    if (is_control)
-      line += {'\\', 'x', digits[c / 16], digits[c % 16]};
-    else
-      line += c;
-  }
-  line += '\n';
-  if (std::fflush(stdout) != 0 && lost == 0) lost = errno;
-  erase_progress();
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  bool const coloured = (no_color == nullptr || *no_color == '\0') && is_capable_terminal();
+  ErrorLine line;
+  line.add(coloured ? "\033[1;31mzelk:\033[0m " : "zelk: ");
+  for (auto const piece : message) line.add_harmless(piece);
+  line.add("\n");
+  line.send();
 }
 
-bool Progress::is_wanted() { return isatty(STDERR_FILENO) != 0 && isatty(STDOUT_FILENO) == 0; }
+bool is_capable_terminal() {
+  char const* const type = std::getenv("TERM");
+  return isatty(STDERR_FILENO) != 0 && (type == nullptr || std::strcmp(type, "dumb") != 0);
+}
 
-Progress::~Progress() { erase_progress(); }
+Screen::Screen() : lock(screen) { erase_progress_now(); }
 
-void Progress::show(std::size_t lines, std::size_t answered_before) {
-  if (!wanted) return;
-  auto const now = Clock::now();
-  if (now < next) return;
-  next = now + std::chrono::milliseconds(200);
+void Screen::show(std::string_view progress) const {
   progress_shown = true;
-  std::fprintf(stderr, "\r\033[K%zu lines, %zu answered before", lines, answered_before);
-  std::fflush(stderr);
+  write_all(STDERR_FILENO, progress);
+}
+
+/// Goes to the beginning of the line and clears it.
+void erase_progress_now() {
+  if (progress_shown.exchange(false)) write_all(STDERR_FILENO, "\r\033[K");
 }
 
 }  // namespace zelk::cli

@@ -1,40 +1,36 @@
 #pragma once
 
-#include <chrono>
-#include <cstddef>
-#include <string>
+#include <initializer_list>
+#include <mutex>
 #include <string_view>
 
-/// What goes to standard output and to standard error.
+/// What goes to standard error.
 namespace zelk::cli {
 
-/// Results. Throws: std::system_error when they cannot be written.
-void print(std::string_view text);
-void flush_output();
+/// Writes a diagnostic of one line, `zelk: ...`, to standard error, and before it all results
+/// printed so far to standard output. On a terminal the name is in colour, unless NO_COLOR is set
+/// or the terminal is dumb. What a terminal would interpret is shown as `\x..`.
+///
+/// Allocates nothing and does not throw: if the results cannot be written, the next `print` or
+/// `flush_output` throws.
+void complain(std::initializer_list<std::string_view> message) noexcept;
 
-/// A diagnostic of one line, `zelk: ...`, after all answers so far; the name in colour on a
-/// terminal, unless NO_COLOR is set. ASCII control characters are shown as `\x..`. When the answers
-/// cannot be written, whoever prints or flushes next is told.
-void complain(std::string_view message);
+/// Whether standard error is a terminal that can move its cursor.
+bool is_capable_terminal();
 
-/// A line on standard error that tells how far a long run has got: not within the first second, and
-/// only on a terminal that does not get the answers too.
-class Progress {
+/// Whoever writes holds the screen. The line of progress is erased first.
+class Screen {
  public:
-  Progress() = default;
-  Progress(Progress const&) = delete;
-  Progress& operator=(Progress const&) = delete;
-  ~Progress();
+  Screen();
 
-  void show(std::size_t lines, std::size_t answered_before);
+  /// Writes a line of progress, which the next writer erases.
+  void show(std::string_view progress) const;
 
  private:
-  using Clock = std::chrono::steady_clock;
-
-  static bool is_wanted();
-
-  bool const wanted = is_wanted();
-  Clock::time_point next = Clock::now() + std::chrono::seconds(1);
+  std::lock_guard<std::mutex> lock;
 };
+
+/// Erases the line of progress without a lock, for a signal handler.
+void erase_progress_now();
 
 }  // namespace zelk::cli

@@ -16,6 +16,9 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     "zelk (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium\n\n"
     "  * CHANGELOG.md in the sources says what this version brings.\n\n"
     " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
+  if(component STREQUAL "tools")
+    file(COPY "${CMAKE_CURRENT_LIST_DIR}/../docs/command.md" DESTINATION "${doc}")
+  endif()
   file(GLOB pages "${share}/man/*/*")
   execute_process(COMMAND gzip -9n "${doc}/changelog" ${pages} COMMAND_ERROR_IS_FATAL ANY)
 endforeach()

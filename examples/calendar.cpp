@@ -1,8 +1,9 @@
-// Leap-year rules: the convergents of the year, each the best that its number of years allows.
+// Leap-year rules: the convergents of the year, and the best rule that a century has room for.
 
 #include <iomanip>
 #include <iostream>
 
+#include "zelk/approx/best.h"
 #include "zelk/convert/stream.h"
 #include "zelk/convert/text.h"
 #include "zelk/zelk.h"
@@ -27,6 +28,8 @@ int main() {
 
   std::cout << "days/year     leap   a day off after\n";
   for (unsigned terms = 1; terms <= 5; ++terms) show(rational.do_approx(year, terms), year);
+  std::cout << "The best within a century:\n";
+  show(zelk::na::best_nearest(year, 100), year);
   std::cout << "Julian and Gregorian:\n";
   show({1461, 4}, year);
   show({146097, 400}, year);

@@ -2,6 +2,8 @@
 # Shared by the scripts; sourced, never run. The callers have set -euo pipefail.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+# Where the build folders stand: ZELK_BUILD, or build/ beside the sources.
+builds=$(realpath -m "${ZELK_BUILD:-$root/build}")
 cores=$(nproc 2>/dev/null || getconf _NPROCESSORS_ONLN 2>/dev/null || echo 2)
 
 # Everything that is not an answer goes to standard error.
@@ -14,14 +16,18 @@ die() {
 # usage: prints the comment at the head of the calling script, which is its help.
 usage() { sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$0"; }
 
-# What a task needs, as DEBIAN-PACKAGE:HEADER or DEBIAN-PACKAGE:COMMAND. A need is recognised by the
-# thing itself rather than by its package, so that other systems and own installations serve as well.
+# What a task needs, as DEBIAN-PACKAGE:HEADER, DEBIAN-PACKAGE:COMMAND or, of a package python3-...,
+# :MODULE. A need is recognised by the thing itself rather than by its package, so that other systems
+# and own installations serve as well.
 needs_command=(g++:"${CXX:-c++}" cmake:cmake ninja-build:ninja libgmp-dev:gmp.h
-  libcli11-dev:CLI/CLI.hpp nlohmann-json3-dev:nlohmann/json.hpp)
+  libcli11-dev:CLI/CLI.hpp)
 needs_test=("${needs_command[@]}" libgmp-dev:gmpxx.h libmpfr-dev:mpfr.h
-  libgtest-dev:gtest/gtest.h pkg-config:pkg-config)
+  libmpfi-dev:mpfi.h libgtest-dev:gtest/gtest.h pkg-config:pkg-config)
 # With what its sanitizers need: the header comes with their runtime library.
 needs_clang=(clang:clang++ libclang-rt-dev:fuzzer/FuzzedDataProvider.h)
+
+# system_python ARGUMENT...: the interpreter that Debian's modules are installed for, where there is one.
+system_python() { "$(PATH=/usr/bin:$PATH command -v python3)" "$@"; }
 
 # missing NEED...: prints the needs that are not met, one a line.
 missing() {
@@ -29,6 +35,7 @@ missing() {
   for need in "$@"; do
     case $need in
       *.h | *.hpp) probe+="#if !__has_include(<${need#*:}>)"$'\n'"$need"$'\n#endif\n' ;;
+      python3-*) system_python -c "import ${need#*:}" 2>/dev/null || echo "$need" ;;
       *) command -v "${need#*:}" >/dev/null || echo "$need" ;;
     esac
   done
@@ -52,7 +59,7 @@ require() {
     local as_root=(env DEBIAN_FRONTEND=noninteractive)
     if ((EUID != 0)); then
       command -v sudo >/dev/null ||
-        die "missing: ${packages[*]} (Debian packages); install them as root, there is no sudo"
+        die "missing, and there is no sudo; type as root: apt-get install ${packages[*]}"
       as_root=(sudo "${as_root[@]}")
     fi
     say "installing ${packages[*]}"
@@ -79,12 +86,13 @@ quietly() {
 # configure PRESET: unless the build folder is configured already and the presets are no newer (the
 # build itself watches its other inputs).
 configure() {
-  local preset=$1 ninja=$root/build/$1/build.ninja version
+  local preset=$1 ninja=$builds/$1/build.ninja version
   [[ ! $ninja -nt $root/CMakePresets.json ]] || return 0
   version=$(cmake --version | sed -n '1s/[^0-9]*\([0-9.]*\).*/\1/p')
   printf '3.25\n%s\n' "$version" | sort -C -V || die "CMake 3.25 or later is needed, not $version"
-  say "configuring and building build/$preset"
-  quietly cmake -S "$root" --preset "$preset" || die "build/$preset could not be configured"
+  say "configuring $builds/$preset"
+  quietly cmake -S "$root" --preset "$preset" -B "$builds/$preset" ||
+    die "$builds/$preset could not be configured"
   touch "$ninja"
 }
 
@@ -93,11 +101,17 @@ build() {
   local preset=$1 lock
   shift
   # The ends of a pipe start at once; only one of them may build.
-  mkdir -p "$root/build"
-  exec {lock}>"$root/build/.lock"
+  { mkdir -p "$builds" && : >>"$builds/.lock"; } 2>/dev/null ||
+    die "cannot write $builds; ZELK_BUILD=FOLDER names another place to build in"
+  exec {lock}>>"$builds/.lock"
   ! command -v flock >/dev/null || flock "$lock"
   configure "$preset"
-  quietly cmake --build "$root/build/$preset" -j "$cores" "$@" -- --quiet ||
-    die "build/$preset did not build"
+  # Nothing is said where there is hardly anything to build.
+  { sleep 1 2>/dev/null && say "building $builds/$preset"; } </dev/null >/dev/null {lock}>&- &
+  local notice=$! status=0
+  quietly cmake --build "$builds/$preset" -j "$cores" "$@" -- --quiet || status=$?
+  kill "$notice" 2>/dev/null || true
+  wait "$notice" 2>/dev/null || true
+  ((status == 0)) || die "$builds/$preset did not build"
   exec {lock}>&-
 }

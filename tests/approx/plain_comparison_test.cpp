@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,108 +14,191 @@
 namespace zelk {
 namespace {
 
-using test::in_big_form;
+using test::number;
 using test::show;
 
-/// The bucket count, and every chain from its head.
-template <class Table>
-std::vector<std::string> layout(Table const& table) {
-  std::vector<std::string> lines = {std::to_string(table.bucket_count())};
-  for (std::size_t i = 0; i < table.bucket_count(); ++i)
-    for (auto const* node = table.chain(i); node; node = node->next)
-      lines.push_back(std::to_string(i) + ": " + show(node->value));
-  return lines;
-}
+enum Kind { approx, expand, exp, exp_slope, sin, sin_slope, pi, compute, kinds };
 
-template <class Table>
-void expect_equal(Table const& table, Table const& plain) {
-  auto const found = layout(table), expected = layout(plain);
-  auto const [a, b] = std::ranges::mismatch(found, expected);
-  EXPECT_TRUE(found == expected) << (a != found.end() ? *a : "nothing") << ", not "
-                                 << (b != expected.end() ? *b : "nothing");
-}
+struct Question {
+  Kind kind;
+  QNumber q;
+  unsigned prec;
+  int direction = 0;
+};
+using History = std::vector<Question>;
 
-/// The library and the plain evaluation, asked the same questions: every answer must agree in value
-/// and form, and so must all tables with their buckets and chains.
-struct SideBySide {
-  void approx(QNumber const& q, unsigned prec, int dir) {
-    QNumber const r = rational.approx(q, prec, dir);
-    EXPECT_EQ(show(r), show(plain.approx(q, prec, dir)));
-    EXPECT_FALSE(dir > 0 ? r < q : dir < 0 && q < r);
+struct Library {
+  std::string answer(Question const& question) {
+    auto const& [kind, q, prec, direction] = question;
+    if (kind == approx) return show(rational.approx(q, prec, direction));
+    if (kind == expand) return show(rational.get_cf(q, prec));
+    if (kind == exp) return show(series.maclaurin_exp_bounds(q, prec));
+    if (kind == exp_slope) return show(series.maclaurin_exp_der_bounds(q, prec));
+    if (kind == sin) return show(series.maclaurin_sin_bounds(q, prec));
+    if (kind == sin_slope) return show(series.maclaurin_sin_der_bounds(q, prec));
+    if (kind == pi) return show(series.machin_pi_bounds(prec));
+    series.maclaurin_exp_compute(q, prec);
+    series.maclaurin_sin_compute(q, prec);
+    return {};
   }
-  void get_cf(QNumber const& q, unsigned prec) {
-    EXPECT_EQ(show(rational.get_cf(q, prec)), show(plain.get_cf(q, prec)));
-  }
-  void ask(QNumber const& x, unsigned prec) {
-    std::pair const key(x, prec);
-    auto const exp = plain::answer(exps, key, [&] { return plain::exp_record(x, prec); });
-    EXPECT_EQ(show(series.maclaurin_exp_bounds(x, prec)), show(exp.bounds));
-    EXPECT_EQ(show(series.maclaurin_exp_der_bounds(x, prec)), show(exp.der_bounds));
-    auto const sin = plain::answer(sins, key, [&] { return plain::sin_record(x, prec); });
-    EXPECT_EQ(show(series.maclaurin_sin_der_bounds(x, prec)), show(sin.der_bounds));
-    EXPECT_EQ(show(series.maclaurin_sin_bounds(x, prec)), show(sin.bounds));
-  }
-  void compute(QNumber const& x, unsigned prec) {
-    series.maclaurin_exp_compute(x, prec);
-    exps[{x, prec}] = plain::exp_record(x, prec);
-    series.maclaurin_sin_compute(x, prec);
-    sins[{x, prec}] = plain::sin_record(x, prec);
-  }
-  void pi(unsigned prec) {
-    EXPECT_EQ(show(series.machin_pi_bounds(prec)),
-              show(plain::answer(pis, prec, [&] { return plain::pi_bounds(plain, prec); })));
-  }
-  void tables() {
-    expect_equal(rational.approximations(), plain.approximations);
-    expect_equal(rational.expansions(), plain.expansions);
-    expect_equal(series.exp_records(), exps);
-    expect_equal(series.sin_records(), sins);
-    expect_equal(series.pi_records(), pis);
+  template <class See>
+  void show_tables(See see) const {
+    see(rational.approximations()), see(rational.expansions());
+    see(series.exp_records()), see(series.sin_records()), see(series.pi_records());
   }
 
   na::RationalApproximator rational;
   na::PowerSeriesApproximator series{rational};
-  plain::RationalApproximator plain;
+};
+
+struct Plain {
+  std::string answer(Question const& question) {
+    auto const& [kind, q, prec, direction] = question;
+    if (kind == approx) return show(rational.approx(q, prec, direction));
+    if (kind == expand) return show(rational.get_cf(q, prec));
+    if (kind == pi)
+      return show(
+          plain::answer(pis, prec, [&, p = prec] { return plain::pi_bounds(rational, p); }));
+    std::pair const key(q, prec);
+    auto const exp_record = [&] { return plain::exp_record(key.first, key.second); };
+    auto const sin_record = [&] { return plain::sin_record(key.first, key.second); };
+    if (kind == exp) return show(plain::answer(exps, key, exp_record).bounds);
+    if (kind == exp_slope) return show(plain::answer(exps, key, exp_record).der_bounds);
+    if (kind == sin) return show(plain::answer(sins, key, sin_record).bounds);
+    if (kind == sin_slope) return show(plain::answer(sins, key, sin_record).der_bounds);
+    exps[key] = exp_record();
+    sins[key] = sin_record();
+    return {};
+  }
+  template <class See>
+  void show_tables(See see) const {
+    see(rational.approximations), see(rational.expansions), see(exps), see(sins), see(pis);
+  }
+
+  plain::RationalApproximator rational;
   na::PowerSeriesApproximator::SeriesCache exps, sins;
   na::PowerSeriesApproximator::PiCache pis;
 };
 
+/// What a history leaves, asked from empty tables: the answers, the bucket count and every chain of
+/// each cache, and the table of gcds.
+struct Outcome {
+  std::vector<std::string> lines;
+  std::vector<long> gcds;
+};
+
+template <class World>
+Outcome outcome(History const& history) {
+  std::memset(gcd_cache, 0, sizeof gcd_cache);
+  Outcome seen;
+  World world;
+  for (Question const& question : history)
+    seen.lines.push_back("asked for " + show(question.q) + ": " + world.answer(question));
+  seen.gcds.assign(&gcd_cache[0][0], &gcd_cache[0][0] + sizeof gcd_cache / sizeof(long));
+  world.show_tables([&](auto const& table) {
+    seen.lines.push_back(std::to_string(table.bucket_count()) + " buckets");
+    for (std::size_t i = 0; i < table.bucket_count(); ++i)
+      for (auto const* node = table.chain(i); node != nullptr; node = node->next)
+        seen.lines.push_back(std::to_string(i) + ": " + show(node->value));
+  });
+  return seen;
+}
+
+/// Asks the library and the plain evaluation, and compares all that can be seen.
+Outcome expect_agreement(History const& history) {
+  auto const [lines, gcds] = outcome<Plain>(history);
+  auto found = outcome<Library>(history);
+  auto const [a, b] = std::ranges::mismatch(found.lines, lines);
+  EXPECT_TRUE(found.lines == lines) << (a != found.lines.end() ? *a : "nothing") << "\nnot "
+                                    << (b != lines.end() ? *b : "nothing");
+  auto const cell = std::ranges::mismatch(found.gcds, gcds).in2 - gcds.begin();
+  constexpr auto row = gcd_cache_limit + 1;
+  EXPECT_TRUE(found.gcds == gcds) << "gcd_cache[" << cell / row << "][" << cell % row << ']';
+  return found;
+}
+
 TEST(PlainEvaluation, AgreesAtEveryPointInBothSignsAndForms) {
-  SideBySide both;
   for (QNumber x : test::points()) {
     SCOPED_TRACE(show(x));
+    History history;
     // The record has the form of whoever asks first: they take turns.
     for (unsigned prec : {0U, 1U, 2U, 3U, 5U, 8U, 18U, 19U, 40U})
       for (unsigned turn = 0; turn < 4; ++turn, x.negate())
-        both.ask((turn / 2 + prec) % 2 == 0 ? x : in_big_form(x), prec);
+        for (Kind const kind : {exp, exp_slope, sin_slope, sin})
+          history.push_back({kind, (turn / 2 + prec) % 2 == 0 ? x : test::in_big_form(x), prec});
+    expect_agreement(history);
     ASSERT_FALSE(HasFailure());
   }
-  for (unsigned prec = 0; prec < 30; ++prec) both.pi(prec);
-  both.tables();
+  History history;
+  for (unsigned prec = 0; prec < 30; ++prec) history.push_back({pi, {}, prec});
+  expect_agreement(history);
 }
 
-TEST(PlainEvaluation, AgreesOnRandomQuestions) {
+TEST(PlainEvaluation, LeavesTheGcdsOfItsOperations) {
+  struct {
+    Kind kind;
+    char const* q;
+    unsigned prec;
+    std::size_t pairs;  // (a, b) with a <= b
+    std::vector<std::pair<long, long>> known, unknown;
+  } const table[] = {
+      {exp, "31/12", 6, 177, {{15, 16}, {15, 31}, {16, 31}}, {}},
+      {exp, "22/7", 100, 378, {}, {}},
+      {sin, "3", 2, 117, {{2, 39}}, {{2, 15}}},
+      {sin, "1/3", 0, 34, {{0, 1}}, {}},
+      {sin, "-1/2", 3, 58, {}, {}},
+      {pi, "0", 50, 66, {}, {}},
+  };
+  for (auto const& [kind, q, prec, pairs, known, unknown] : table) {
+    auto const gcds = expect_agreement({{kind, number(q), prec}}).gcds;
+    auto const at = [&](long a, long b) { return gcds[a * (gcd_cache_limit + 1) + b]; };
+    std::size_t count = 0;
+    for (long b = 0; b <= gcd_cache_limit; ++b)
+      for (long a = 0; a <= b; ++a) count += at(a, b) != 0;
+    EXPECT_EQ(count, pairs) << q << " at " << prec;
+    for (auto const& [a, b] : known) EXPECT_NE(at(a, b), 0) << a << ' ' << b;
+    for (auto const& [a, b] : unknown) EXPECT_EQ(at(a, b), 0) << a << ' ' << b;
+  }
+}
+
+TEST(PlainEvaluation, AgreesWhereFormsMeet) {
+  // A table that grows shows the answer for the same number in big form.
+  QNumber const q = number("8589934697/3");
+  History grown = {{approx, test::in_big_form(q), 1}};
+  for (long n = 2; n <= 22; ++n) grown.push_back({approx, QNumber(1, n), 1});
+  grown.push_back({approx, q, 1});
+  EXPECT_EQ(expect_agreement(grown).lines[22], "asked for 8589934697/3: 2863311565");
+  // A convergent that was big on the way keeps the end of pi big.
+  History const stuck = {
+      {approx, number("3804/1195"), 1}, {approx, number("3804/1195B"), 3}, {pi, QNumber(), 0}};
+  EXPECT_EQ(expect_agreement(stuck).lines[2], "asked for 0: 10521/3350 3804/1195B");
+  // The table of expansions grows while a number too wide for words is walked.
+  History walked;
+  for (long n = 1; n <= 22; ++n) walked.push_back({expand, QNumber(n), 1});
+  QNumber const wide = number("27670116110564327421/36893488147419103232");
+  for (unsigned prec : {1U, 2U}) walked.push_back({approx, wide, prec, 1});
+  expect_agreement(walked);
+}
+
+TEST(PlainEvaluation, AgreesOnRandomHistories) {
   auto random = test::random_bytes(4);
   auto const points = test::points();
-  for (int round = 0; round < 25 && !HasFailure(); ++round) {
-    SideBySide both;
-    std::vector<QNumber> asked;
+  for (int round = 0; round < 30 && !HasFailure(); ++round) {
+    History history;
+    std::vector<QNumber> used;
     for (int i = 0; i < 150; ++i) {
-      if (i % 20 == 0) asked.push_back(points[random() % points.size()]);
-      if (i % 20 == 10) asked.push_back(test::to_number(test::corner_rational(random)));
-      QNumber q = asked[random() % asked.size()];
+      if (i % 20 == 0) used.push_back(points[random() % points.size()]);
+      if (i % 20 == 10) used.push_back(test::to_number(test::corner_rational(random)));
+      QNumber q = used[random() % used.size()];
       if (random() % 2 == 0) q.negate();
-      if (random() % 3 == 0) q = in_big_form(q);
-      SCOPED_TRACE(show(q));
-      auto const prec = random() % 12;
-      auto const question = abs(q) < QNumber(9) ? random() % 16 : 2 + random() % 14;
-      if (question == 0) both.ask(q, prec);
-      if (question == 1) both.compute(q, prec);
-      if (question == 2) both.get_cf(q, prec);
-      if (question == 3) both.pi(prec);
-      if (question > 3) both.approx(q, prec + 1, static_cast<int>(random() % 3) - 1);
+      if (random() % 3 == 0) q = test::in_big_form(q);
+      // Many convergents, and series where they are short.
+      unsigned kind = random() % (3 * kinds);
+      if (kind >= kinds || (kind >= exp && kind != pi && QNumber(9) < abs(q))) kind = approx;
+      history.push_back(
+          {static_cast<Kind>(kind), q, random() % 12, static_cast<int>(random() % 3) - 1});
     }
-    both.tables();
+    expect_agreement(history);
   }
 }
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
-#include <functional>
 #include <initializer_list>
 #include <set>
 #include <sstream>
@@ -29,7 +27,7 @@ struct Fresh {
 void expect_records(std::initializer_list<char const*> rows,
                     Bounds (Series::*value)(QNumber const&, unsigned),
                     Bounds (Series::*derivative)(QNumber const&, unsigned),
-                    Series::SeriesCache const& (Series::*records)() const) {
+                    hsh::TableView<Series::SeriesCache> (Series::*records)() const) {
   for (char const* const row : rows) {
     std::istringstream words(row);
     std::string x, prec, l, u, dl, du;
@@ -77,36 +75,6 @@ TEST(PowerSeriesApproximator, FindsWorkedBoundsOfPiAndDegrees) {
   EXPECT_TRUE(test::entries(series.exp_records()).begin()->ends_with(" 35"));
   series.maclaurin_sin_compute(QNumber(1, 1000), 10);
   EXPECT_TRUE(test::entries(series.sin_records()).begin()->ends_with(" 3"));
-}
-
-TEST(PowerSeriesApproximator, GrowsByAttemptsNotByEntries) {
-  struct {
-    std::function<void(Series&, unsigned)> ask, compute;
-    std::function<std::size_t(Series const&)> buckets;
-  } const table[] = {
-      {[](Series& s, unsigned n) { s.maclaurin_exp_bounds(QNumber(1, n + 1), 0); },
-       [](Series& s, unsigned n) { s.maclaurin_exp_compute(QNumber(1, n + 1), 0); },
-       [](Series const& s) { return s.exp_records().bucket_count(); }},
-      {[](Series& s, unsigned n) { s.maclaurin_sin_der_bounds(QNumber(1, n + 1), 0); },
-       [](Series& s, unsigned n) { s.maclaurin_sin_compute(QNumber(1, n + 1), 0); },
-       [](Series const& s) { return s.sin_records().bucket_count(); }},
-      {[](Series& s, unsigned n) { s.machin_pi_bounds(n); },
-       [](Series& s, unsigned n) { s.machin_pi_compute(n); },
-       [](Series const& s) { return s.pi_records().bucket_count(); }},
-  };
-  for (auto const& [ask, compute, buckets] : table) {
-    Fresh asked, computed;
-    for (unsigned n = 0; n < 21; ++n) ask(asked.series, n);
-    EXPECT_EQ(buckets(asked.series), 31);
-    // A new answer is stored, and then taken by an access that is an attempt of its own.
-    ask(asked.series, 21);
-    EXPECT_EQ(buckets(asked.series), 73);
-    for (unsigned n = 0; n < 22; ++n) compute(computed.series, n);
-    ask(computed.series, 3);  // a known answer is looked up, nothing else
-    EXPECT_EQ(buckets(computed.series), 31);
-    compute(computed.series, 5);
-    EXPECT_EQ(buckets(computed.series), 73);
-  }
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <utility>
 
 #include "tests/support/text_form.h"
 
@@ -97,22 +96,6 @@ TEST(RationalApproximator, AnswersAndRemembers) {
     found.merge(entries(approximator->expansions()));
     EXPECT_EQ(found, known);
   }
-}
-
-TEST(RationalApproximator, GrowsByAttemptsNotByEntries) {
-  RationalApproximator approximator;
-  auto const buckets = [&] {
-    return std::pair(approximator.expansions().bucket_count(),
-                     approximator.approximations().bucket_count());
-  };
-  for (long n = 0; n < 22; ++n) approximator.do_approx(QNumber(2 * n + 1, 2), 1);
-  approximator.do_approx(QNumber(1, 2), 1);  // known: nothing is cfed, nothing is offered
-  EXPECT_EQ(buckets(), std::pair(31UL, 31UL));
-  approximator.get_cf(QNumber(1, 2), 1);  // an expansion is offered on every call
-  EXPECT_EQ(buckets(), std::pair(73UL, 31UL));
-  approximator.do_approx(QNumber(1, 2), 2);
-  EXPECT_EQ(buckets(), std::pair(73UL, 73UL));
-  EXPECT_EQ(approximator.expansions().size(), 22);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Uses the library as other projects do: installs it, static and shared, moves the installations,
-# and builds and runs a program with them by CMake and by pkg-config; then the tutorial's program.
+# Uses the library as other projects do: consumer_test.sh BUILD-FOLDER
+# Installs what stands in the folder, which is static and has the command, and a shared library;
+# moves the installations, and builds and runs a program with them by CMake and by pkg-config; then
+# the tutorial's program.
 # The environment may choose the compiler, CXX, and CMAKE_GENERATOR.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -11,25 +13,41 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
 
-# What the program prints: a calendar of 33 years, an enclosure of pi, the column of a zero.
-printf '%s\n' 12053/33 true 3 >expected
+# What the program prints: a calendar of 33 years, enclosures of pi and of a half, the column of a
+# zero.
+printf '%s\n' 12053/33 true '[3.141, 3.142]0.5' 3 >expected
 right() { "$@" | diff -u --label expected --label printed expected - || die "wrong: $*"; }
 
-for kind in static shared; do
-  [[ $kind == static ]] && shared=OFF || shared=ON
-  quietly cmake -S "$root" -B build -DBUILD_SHARED_LIBS="$shared" -DCMAKE_CXX_FLAGS=-O0 \
-    -DCMAKE_INSTALL_PREFIX="$work/made/$kind" -DCMAKE_INSTALL_LIBDIR=lib \
-    -DZELK_BUILD_CLI=OFF -DZELK_BUILD_EXAMPLES=OFF -DZELK_BUILD_TESTS=OFF
-  quietly cmake --build build --parallel "$cores"
-  quietly cmake --install build
-  rm -rf build
-done
+quietly cmake --install "$1" --prefix "$work/made/static"
+quietly cmake -S "$root" -B build -DBUILD_SHARED_LIBS=ON -DCMAKE_CXX_FLAGS=-O0 \
+  -DCMAKE_INSTALL_PREFIX="$work/made/shared" -DCMAKE_INSTALL_LIBDIR=lib \
+  -DZELK_BUILD_CLI=OFF -DZELK_BUILD_EXAMPLES=OFF -DZELK_BUILD_TESTS=OFF
+quietly cmake --build build --parallel "$cores"
+quietly cmake --install build
+rm -rf build
 mv made moved
 ! grep -rF "$work/made" moved || die 'an installation names the place where it was made'
 
+# With the command come its manual and its completion, and without it neither.
+printf 'static/%s\n' bin/zelk share/{bash-completion/completions/zelk,man/man1/zelk.1} >tools
+find moved/*/{bin,share} -type f -size +0 -printf '%H/%P\n' 2>/dev/null | cut -d/ -f2- | sort |
+  diff -u tools - || die 'not the command and its papers'
+
+# Every header is installed but those of the internal/ folders.
+(cd "$root" && find zelk -name '*.h' -not -path '*/internal/*') | sort >headers
+for kind in static shared; do
+  find "moved/$kind/include" -type f -printf '%P\n' | sort | diff -u headers - || die 'wrong headers'
+done
+
+# An older standard is refused in one sentence, after which the compiler stops.
+! "$CXX" -std=c++17 -fsyntax-only -I moved/static/include -x c++ - 2>log \
+  <<<'#include "zelk/zelk.h"' || die 'C++17 is taken'
+[[ $(grep -c 'error: ' log) == 2 ]] && grep -q 'error: .*zelk needs C++20: compile with' log ||
+  die "C++17 is refused by $(<log)"
+
 for kind in static shared; do
   prefix=$work/moved/$kind
-  export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+  export PKG_CONFIG_PATH=$prefix/lib/pkgconfig:$prefix/lib64/pkgconfig
   version=$(pkg-config --modversion zelk)
   IFS=. read -r major minor _ <<<"$version"
   soname=libzelk.so.$major.$minor
@@ -53,15 +71,17 @@ for kind in static shared; do
     ! "${consumer[@]}" -DZELK_VERSION="$other" >log 2>&1 || die "$version passes for $other"
     grep -q "zelkConfig.cmake, version: $version" log || die "not refused for its version: $(<log)"
   done
+  ! "${consumer[@]}" -DZELK_VERSION= -DZELK_PART=none >log 2>&1 || die 'found without a part'
+  grep -q 'set zelk_FOUND to FALSE' log || die "not refused for its part: $(<log)"
   pkg-config --atleast-version="$major.$minor" zelk-convert || die "$version is not enough"
   ! pkg-config --atleast-version="$major.$((minor + 1))" zelk-convert || die "$version is too much"
 done
 
 # What programs can link to is what the headers mark, and no helper behind it.
-public='QNumber::|na::(Rational|PowerSeries)Approximator::|gcd_cache$|detail::remember_gcd\('
-public+='|operator(<<|>>)\(|convert::((to|from|is|enclosing|parse)_[a-z]+|quoted)[[(]|convert::ParseError::'
+public=$(cat moved/shared/include/zelk/*/*.h | sed 's/\[\[[^]]*\]\]//g' | tr '\n' ' ' |
+  grep -oE 'ZELK_EXPORT [^][;({]*' | sed 's/ : .*//' | awk '{ print $NF }' | paste -sd '|')
 helpers=$(nm -DC --defined-only moved/shared/lib/libzelk{,_convert}.so | grep -E ' [BDRT] ' |
-  grep -vE " zelk::($public)" || true)
+  grep -vE "[ :]($public)(\(|\[|::|$)" || true)
 [[ -z $helpers ]] || die "exported, though internal: $helpers"
 
 # The tutorial's own texts, its first program and what it prints: beside a checkout, and, as it goes
@@ -73,11 +93,13 @@ block cpp >first/first.cpp
 block cmake >first/CMakeLists.txt
 sed -n 's/^    \(\[3\.14.*\)/\1/p' "$tutorial" >expected
 ln -s "$root" zelk
-for shared in OFF ON; do
-  quietly cmake -S first -B first/beside -DBUILD_SHARED_LIBS="$shared" -DCMAKE_CXX_FLAGS=-O0
+for install in '' -DZELK_INSTALL=ON; do  # a project installs ours only when it says so
+  quietly cmake -S first -B first/beside -DBUILD_SHARED_LIBS=ON -DCMAKE_CXX_FLAGS=-O0 $install
   quietly cmake --build first/beside --parallel "$cores" --target first
   right first/beside/first
+  quietly cmake --install first/beside --prefix "$work/within$install"
 done
+[[ ! -e within && -e within-DZELK_INSTALL=ON/include/zelk/zelk.h ]] || die 'ZELK_INSTALL is not obeyed'
 sed -i 's/^add_subdirectory.*/find_package(zelk REQUIRED)/' first/CMakeLists.txt
 quietly cmake -S first -B first/installed -DCMAKE_PREFIX_PATH="$work/moved/static"
 quietly cmake --build first/installed

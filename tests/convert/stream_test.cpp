@@ -41,46 +41,33 @@ TEST(Stream, WritesPaddedTextWhateverTheLocale) {
     std::ostringstream out;
     out.imbue(grouping());
     QNumber const q = parse_rational(number);
-    out << std::hex << std::showpos << adjustment << std::setfill('*') << std::setw(8) << q << '|'
-        << q;
-    EXPECT_EQ(out.str(), padded + ('|' + to_string(q)));
+    out << std::hex << std::showpos << adjustment << std::setfill('*') << std::setw(8) << q;
+    EXPECT_EQ(out.width(), 0) << number;
+    EXPECT_EQ(out.str(), padded);
   }
 }
 
 TEST(Stream, ReadsAsFarAsANumberGoes) {
-  struct {
-    char const* input;
-    char const* number;  // null where none is read
-    char const* rest;
-  } const table[] = {
-      {"415/93", "415/93", ""},    {" \t\n-7/2 8", "-7/2", " 8"},
-      {"1/2,3/4", "1/2", ",3/4"},  {"1/2-3", "1/2", "-3"},
-      {"1/2/3", "1/2", "/3"},      {"1/2.5", "1/2", ".5"},
-      {"1/2e5", "1/2", "e5"},      {"1.5.2", "3/2", ".2"},
-      {"1.5/2", "3/2", "/2"},      {"1.5E+3e", "1500", "e"},
-      {"1e-3.5", "1/1000", ".5"},  {"1e5/2", "100000", "/2"},
-      {"12x", "12", "x"},          {"1.234.567", "617/500", ".567"},
-      {"1,5", "1", ",5"},          {"9223372036854775808)", "9223372036854775808", ")"},
-      {"", nullptr, ""},           {"  ", nullptr, ""},
-      {"x", nullptr, "x"},         {"+5", nullptr, "+5"},
-      {".5", nullptr, ".5"},       {"/5", nullptr, "/5"},
-      {"e5", nullptr, "e5"},       {"--5", nullptr, "-5"},
-      {"-e5", nullptr, "e5"},      {"1/-2", nullptr, "-2"},
-      {"1/ 2", nullptr, " 2"},     {"1.e5", nullptr, "e5"},
-      {"1.5each", nullptr, "ach"}, {"1e++5", nullptr, "+5"},
-      {"1/0 ", nullptr, " "},      {"1e1000001;", nullptr, ";"},
-  };
-  for (auto const& [input, number, rest] : table) {
-    std::istringstream in(input);
+  // What is read, a caret, what is left, and after an equals sign the number, if there is one.
+  std::istringstream table(
+      "415/93^=415/93; \t\n-7/2^ 8=-7/2;1/2^,3/4=1/2;1/2^-3=1/2;1/2^/3=1/2;1/2^e5=1/2;1.5^/2=3/2;"
+      "1.5E+3^e=1500;1e-3^.5=1/1000;1e5^e=100000;1e5^/2=100000;1E5^/2=100000;12^x=12;"
+      "1.234^.567=617/500;1^,5=1;9223372036854775808^)=9223372036854775808;^=;  ^=;^+5=;^.5=;^/5=;"
+      "^e5=;-^-5=;-^e5=;1/^-2=;1/^=;1/^e5=;1.^e5=;1.5e^ach=;1e-^+5=;1/0^ =;1e1000001^)=");
+  for (std::string row; std::getline(table, row, ';');) {
+    auto const caret = row.find('^'), equals = row.find('=');
+    auto const rest = row.substr(caret + 1, equals - caret - 1), number = row.substr(equals + 1);
+    std::istringstream in(row.substr(0, caret) + rest);
     in.imbue(grouping());
     QNumber q(-3, 5);
     in >> std::setw(1) >> q;
-    EXPECT_EQ(!in.fail(), number != nullptr) << input;
-    EXPECT_FALSE(in.bad()) << input;
-    EXPECT_EQ(in.eof(), *rest == '\0') << input;
-    EXPECT_EQ(to_string(q), number == nullptr ? "-3/5" : number) << input;
+    EXPECT_EQ(!in.fail(), !number.empty()) << row;
+    EXPECT_FALSE(in.bad()) << row;
+    EXPECT_EQ(in.eof(), rest.empty()) << row;
+    EXPECT_EQ(in.width(), 1) << row;
+    EXPECT_EQ(to_string(q), number.empty() ? "-3/5" : number) << row;
     in.clear();
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), rest) << input;
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), rest) << row;
   }
   std::istringstream in(" 5");
   QNumber q(-3, 5);
@@ -107,17 +94,18 @@ class Breaking : public std::streambuf {
 TEST(Stream, ReportsABrokenBufferAsTheStreamIsTold) {
   std::string text = "12";
   QNumber q(-3, 5);
-  for (bool const loud : {false, true}) {
+  for (auto const thrown : {std::ios_base::goodbit, std::ios_base::badbit}) {
     Breaking buffer(text);
     std::istream in(&buffer);
-    if (loud) {
-      in.exceptions(std::ios_base::badbit);
-      EXPECT_THROW(in >> q, std::runtime_error);
-    } else {
-      EXPECT_NO_THROW(in >> q);
+    in.exceptions(thrown);
+    bool caught = false;
+    try {
+      in >> q;
+    } catch (std::runtime_error const&) {
+      caught = true;
     }
+    EXPECT_EQ(caught, thrown == std::ios_base::badbit);
     EXPECT_TRUE(in.bad());
-    EXPECT_EQ(to_string(q), "-3/5");
   }
   std::istringstream in("1/0");
   in.exceptions(std::ios_base::failbit);
@@ -125,8 +113,8 @@ TEST(Stream, ReportsABrokenBufferAsTheStreamIsTold) {
 
   // The whole process would end if the end of the thread were taken for an error.
   std::thread([&] {
-    Breaking buffer(text, true);
-    std::istream ending(&buffer);
+    Breaking last(text, true);
+    std::istream ending(&last);
     ending >> q;
   }).join();
   EXPECT_EQ(to_string(q), "-3/5");

@@ -49,6 +49,18 @@ while IFS= read -r line; do
   expect "the tutorial's line: $line" grep -qxF -e "$line" examples/*.cpp
 done <"$scratch/excerpts"
 
+# The pages on the command name no option that there is not, and defaults as --help does.
+for option in $(grep -ohe '--[a-z][a-z-]*' docs/command.md docs/scaling.md | sort -u); do
+  [[ ' --pipe --keep-order --block ' != *" $option "* ]] || continue # of GNU parallel
+  expect "the option $option" grep -qwF -e "$option" <("$zelk" --bash-completion)
+done
+help=$("$zelk" --help | tr -s '\n ' ' ')
+while IFS= read -r fact; do
+  told=${help#* "${fact%%\`*}" *by default }
+  told=${told%% --*} && told=${told%% Commands:*}
+  expect "$fact" test "${fact#*by default }" = "${told%%;*}"
+done < <(grep -ohe '--[a-z-]*` [a-z ]*(by default [^;)]*' docs/*.md README.md)
+
 # Links, with the headings that they name.
 for document in "${documents[@]}"; do
   for link in $(grep -o '](\([^)]*\))' "$document" | sed 's/^](//; s/)$//'); do

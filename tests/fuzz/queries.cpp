@@ -1,60 +1,18 @@
 #include <gmpxx.h>
+#include <mpfi.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <functional>
 #include <utility>
 #include <vector>
 
 #include "tests/fuzz/body.h"
-#include "tests/support/random_number.h"
-#include "tests/support/real.h"
 #include "tests/support/text_form.h"
 #include "zelk/approx/power_series_approximator.h"
 #include "zelk/approx/rational_approximator.h"
 
 namespace zelk::test {
 namespace {
-
-enum Kind { expansion, convergent, exp, exp_slope, sin, sin_slope, pi, kinds };
-
-struct Query {
-  unsigned kind;
-  QNumber x;
-  unsigned prec;
-  int direction;
-};
-
-/// Two ends, or a convergent, or a remainder and the terms before it.
-using Answer = std::vector<mpq_class>;
-
-struct Approximators {
-  na::RationalApproximator rational;
-  na::PowerSeriesApproximator series{rational};
-
-  Answer ask(Query const& query) {
-    auto const& [kind, x, prec, direction] = query;
-    if (kind == convergent) return {to_rational(rational.approx(x, prec, direction))};
-    if (kind == expansion) {
-      auto const c = rational.get_cf(x, prec);
-      Answer answer = {to_rational(c.remainder)};
-      for (QNumber const& term : c.terms) answer.push_back(to_rational(term));
-      return answer;
-    }
-    auto const ends = kind == exp         ? series.maclaurin_exp_bounds(x, prec)
-                      : kind == exp_slope ? series.maclaurin_exp_der_bounds(x, prec)
-                      : kind == sin       ? series.maclaurin_sin_bounds(x, prec)
-                      : kind == sin_slope ? series.maclaurin_sin_der_bounds(x, prec)
-                                          : series.machin_pi_bounds(prec);
-    return {to_rational(ends.first), to_rational(ends.second)};
-  }
-
-  std::array<std::size_t, 5> cache_sizes() const {
-    return {rational.approximations().size(), rational.expansions().size(),
-            series.exp_records().size(), series.sin_records().size(), series.pi_records().size()};
-  }
-};
 
 /// All terms of x, rounded as numbers are split: down in big form, toward zero in small form.
 std::vector<mpz_class> terms_of(mpq_class x, bool big) {
@@ -80,74 +38,99 @@ mpq_class value_of(std::vector<mpz_class> const& terms, std::size_t first, std::
   return value;
 }
 
-void check_rational(Query const& query, Answer const& answer) {
-  mpq_class const x = to_rational(query.x);
-  auto const terms = terms_of(x, query.x.is_big());
-  if (query.kind == expansion) {
-    std::size_t const found = answer.size() - 1;
-    CHECK(found >= std::min<std::size_t>(query.prec, terms.size()) && found <= terms.size());
-    CHECK(std::equal(answer.begin() + 1, answer.end(), terms.begin()));
-    CHECK(answer[0] == (found == terms.size() ? 0 : value_of(terms, found, terms.size())));
-    return;
-  }
-  std::size_t prec = query.prec;
-  mpq_class expected = x;
-  if (!query.x.is_integer()) do {
-      expected = value_of(terms, 0, prec++);
-    } while (query.direction * cmp(expected, x) < 0);
-  CHECK(answer[0] == expected);
+/// The ends surround the truth. Returns how far they are from each other.
+mpq_class width_around(mpfi_srcptr truth, std::pair<QNumber, QNumber> const& ends) {
+  mpq_class const low = to_rational(ends.first), high = to_rational(ends.second);
+  CHECK(mpfr_cmp_q(&truth->left, low.get_mpq_t()) >= 0);
+  CHECK(mpfr_cmp_q(&truth->right, high.get_mpq_t()) <= 0);
+  return high - low;
 }
 
-void check_bounds(Query const& query, Answer const& ends) {
-  mpz_class power;
-  mpz_ui_pow_ui(power.get_mpz_t(), 10, query.prec);
-  mpq_class const width = (ends[1] - ends[0]) * power;
-  mpq_class const x = to_rational(query.x);
-  Real truth;
-  if (query.kind == pi) {
-    CHECK(width <= 1);
-    truth.set_pi();
-  } else if (query.kind < sin) {
-    CHECK(query.kind == exp_slope || width < 1);
-    truth.set_exp(x);
-  } else {
-    CHECK(query.kind == sin_slope || width < 2);
-    truth.set_wave(x, query.kind == sin ? mpfr_sin : mpfr_cos);
+struct Approximators {
+  na::RationalApproximator rational;
+  na::PowerSeriesApproximator series{rational};
+  mpfi_t point, truth;  // hundreds of digits narrower than what is compared with them
+
+  Approximators() {
+    mpfi_init2(point, 2048);
+    mpfi_init2(truth, 2048);
   }
-  bool const falling = query.kind == exp_slope && x < 0;
-  CHECK(truth.is_between(ends[falling], ends[!falling]));
-}
+  Approximators(Approximators const&) = delete;
+  Approximators& operator=(Approximators const&) = delete;
+  ~Approximators() {
+    mpfi_clear(point);
+    mpfi_clear(truth);
+  }
+
+  /// Requires: prec > 0.
+  void check_rational(QNumber const& q, unsigned prec, int direction) {
+    mpq_class const x = to_rational(q);
+    auto const terms = terms_of(x, q.is_big());
+    auto const found = rational.get_cf(q, prec);
+    auto const length = found.terms.size();
+    CHECK(length >= std::min<std::size_t>(prec, terms.size()) && length <= terms.size());
+    for (std::size_t i = 0; i < length; ++i) CHECK(to_rational(found.terms[i]) == terms[i]);
+    CHECK(to_rational(found.remainder) ==
+          (length == terms.size() ? 0 : value_of(terms, length, terms.size())));
+
+    auto const answer = to_rational(rational.approx(q, prec, direction));
+    mpq_class expected = terms.empty() ? x : value_of(terms, 0, prec);
+    while (direction * cmp(expected, x) < 0) expected = value_of(terms, 0, ++prec);
+    CHECK(answer == expected);
+  }
+
+  void check_series(QNumber const& x, unsigned prec) {
+    mpq_class unit = 1;  // 10^-prec
+    mpz_ui_pow_ui(unit.get_den_mpz_t(), 10, prec);
+    mpfi_set_q(point, to_rational(x).get_mpq_t());
+    mpfi_exp(truth, point);
+    CHECK(width_around(truth, series.maclaurin_exp_bounds(x, prec)) < unit);
+    auto [low, high] = series.maclaurin_exp_der_bounds(x, prec);
+    x.sign() < 0 ? width_around(truth, {high, low}) : width_around(truth, {low, high});
+    mpfi_sin(truth, point);
+    CHECK(width_around(truth, series.maclaurin_sin_bounds(x, prec)) < 2 * unit);
+    mpfi_cos(truth, point);
+    width_around(truth, series.maclaurin_sin_der_bounds(x, prec));
+    mpfi_const_pi(truth);
+    if (prec < 40) CHECK(width_around(truth, series.machin_pi_bounds(prec)) <= unit);
+  }
+};
 
 }  // namespace
+
+void run_points() {
+  for (bool const big : {false, true}) {
+    Approximators approximators;
+    for (QNumber point : points()) {
+      if (big) point = in_big_form(point);
+      for (int turn = 0; turn < 2; ++turn, point.negate()) {
+        for (unsigned const prec : {1U, 2U, 7U, 40U})
+          for (int const direction : {-1, 0, 1})
+            approximators.check_rational(point, prec, direction);
+        for (unsigned const prec : {0U, 1U, 19U, 20U, 21U}) approximators.check_series(point, prec);
+      }
+    }
+  }
+}
 
 void run_queries(Bytes bytes) {
   ByteReader next{bytes};
   Approximators approximators;
   // One form for all: equal numbers in two forms may find each other until a table grows.
   bool const big = next() % 2 != 0;
-  std::vector<mpq_class> used;
-  for (QNumber const& x : points()) used.push_back(to_rational(x));
-  std::vector<std::pair<Query, Answer>> asked;
-  while (!next.done() && asked.size() < 24) {
+  std::vector<mpq_class> used = {0};
+  while (!next.done()) {
     unsigned const choice = next();
     if (choice % 2 == 0) used.push_back(corner_rational(next));
     mpq_class x = used[next() % used.size()];
-    if (choice / 6 % 2 != 0) x = -x;
-    unsigned const kind = next() % kinds;
-    unsigned const prec = kind < exp ? 1 + next() % 40 : next() % (kind == pi ? 20 : 61);
-    while (kind >= exp && abs(x) > 100) x /= 16;
-    Query const query{kind, to_number(x, big), prec, static_cast<int>(choice / 2 % 3) - 1};
-
-    auto const before = approximators.cache_sizes();
-    auto const& answer = asked.emplace_back(query, approximators.ask(query)).second;
-    auto const after = approximators.cache_sizes();
-    CHECK(std::equal(before.begin(), before.end(), after.begin(), std::less_equal()));
-    kind < exp ? check_rational(query, answer) : check_bounds(query, answer);
+    if (choice / 2 % 4 == 0) {
+      while (abs(x) > 100) x /= 16;
+      approximators.check_series(to_number(x, big), next() % 61);
+    } else {
+      int const direction = static_cast<int>(choice / 2 % 4) - 2;
+      approximators.check_rational(to_number(x, big), 1 + next() % 40, direction);
+    }
   }
-  // Now all of it is known.
-  auto const sizes = approximators.cache_sizes();
-  for (auto const& [query, answer] : asked) CHECK(approximators.ask(query) == answer);
-  CHECK(approximators.cache_sizes() == sizes);
 }
 
 }  // namespace zelk::test

@@ -49,6 +49,7 @@ TEST(GcdCache, GainsThePairsThatEuclidVisits) {
 TEST(GcdCache, GainsWhatEachOperationCancelsBy) {
   QNumber const half(1, 2), third(1, 3), two_thirds(2, 3), three_quarters(3, 4);
   QNumber const zero, two(2), three(3), huge(LONG_MAX, 3), nearly(LONG_MAX - 1, 5);
+  QNumber seven_thirds(7, 3);
   std::memset(gcd_cache, 0, sizeof gcd_cache);
   EXPECT_EQ(gained([&] { return two + three * two; }), Pairs());
   EXPECT_EQ(gained([&] { return two_thirds / half; }), (Pairs{{1, 2}, {2, 3}}));
@@ -59,6 +60,10 @@ TEST(GcdCache, GainsWhatEachOperationCancelsBy) {
   EXPECT_EQ(gained([&] { return two < three || half < zero || half == third; }), Pairs());
   EXPECT_EQ(gained([&] { return third < half; }), (Pairs{{1, 1}, {2, 3}}));
   EXPECT_EQ(gained([&] { return huge < nearly; }), (Pairs{{3, 5}, {2, 3}, {1, 2}}));
+  EXPECT_EQ(gained([&] { return two_thirds.inv(); }), (Pairs{{2, 3}, {1, 2}}));
+  EXPECT_EQ(gained([&] { return seven_thirds.self_decompose(); }), (Pairs{{1, 3}}));
+  EXPECT_EQ(gained([&] { return half + third; }), (Pairs{{2, 3}, {1, 5}}));
+  EXPECT_EQ(gained([&] { return third < two_thirds; }), (Pairs{{1, 2}, {3, 3}}));
 }
 
 }  // namespace

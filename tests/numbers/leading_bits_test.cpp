@@ -1,4 +1,4 @@
-#include "zelk/numbers/leading_bits.h"
+#include "zelk/numbers/internal/leading_bits.h"
 
 #include <gmpxx.h>
 #include <gtest/gtest.h>

@@ -25,6 +25,7 @@ class RationalApproximator {
 
   QNumber do_approx(QNumber const& q, unsigned prec) {
     if (q.is_integer()) return q;
+    if (prec == 0) prec = 1;
     std::pair<QNumber, unsigned> const key(q, prec);
     if (auto const known = approximations.find(key); known.node != nullptr)
       return known.node->value.second;

@@ -3,10 +3,12 @@
 #include <utility>
 
 #include "tests/support/plain_approx.h"
+#include "tests/support/random_number.h"
 #include "zelk/approx/power_series_approximator.h"
 
-/// The series as their definitions read, every value by the number's own operators: slow, and the
-/// measure of values and forms for every shortcut.
+/// The series as their definitions read, every value by the number's own operators and each
+/// operation in its place: slow, and the measure of values, forms and of the table of gcds for
+/// every shortcut.
 namespace zelk::plain {
 
 using ApproxData = na::PowerSeriesApproximator::ApproxData;
@@ -40,23 +42,29 @@ inline ApproxData exp_record(QNumber const& x, unsigned prec) {
 }
 
 /// sin at x, by the polynomials s of sin, c of cos and d of -sin, until the sine is within the
-/// tolerance and the sign of its second derivative is certain.
+/// tolerance and the second derivative has certainly not the sign of x; or certainly has it, where
+/// the sine has not.
 inline ApproxData sin_record(QNumber const& x, unsigned prec) {
   QNumber const zero(0), one(1);
   if (x == zero) return {{zero, zero}, {one, one}, 0};
   QNumber const epsilon = tolerance(prec);
-  QNumber s, c, d, sign = one;
+  QNumber s, c, d, s_error, c_error, d_error, sign = one;
   QNumber a, u = one, t = x;  // x^(n-2)/(n-2)!, x^(n-1)/(n-1)!, x^n/n!
   for (unsigned n = 1;; n += 2) {
     d += sign * a;
     c += sign * u;
     s += sign * t;
-    QNumber const d_error = abs(u), c_error = abs(t), s_error = abs(t * x / QNumber(n + 1));
+    d_error = abs(u);
+    c_error = abs(t);
+    s_error = abs(t * x / QNumber(n + 1));
     sign.negate();
     a = t;
     u = a * x / QNumber(n + 1);
     t = u * x / QNumber(n + 2);
-    if ((d + d_error < zero || zero < d - d_error) && s_error < epsilon)
+    bool const opposite = zero < x ? d + d_error < zero : zero < d - d_error;
+    bool const same =
+        d.sign() == x.sign() && abs(test::to_rational(d)) > test::to_rational(d_error);
+    if ((opposite || same) && s_error < epsilon)
       return {{s - s_error, s + s_error}, {c - c_error, c + c_error}, static_cast<int>(n)};
   }
 }
@@ -80,10 +88,13 @@ inline Bounds machin_ends(QNumber const& epsilon) {
 inline Bounds pi_bounds(RationalApproximator& rational, unsigned prec) {
   QNumber const epsilon = tolerance(prec);
   auto const [low, high] = machin_ends(epsilon);
+  QNumber a, b;
   for (unsigned m = 1;; ++m) {
-    QNumber const a = rational.do_approx(low, m);
-    QNumber const b = rational.do_approx(high, m);
-    if (!(low < a) && !(b < high) && !(epsilon < b - a)) return {a, b};
+    a = rational.do_approx(low, m);
+    b = rational.do_approx(high, m);
+    if (!(a == low || a < low)) continue;
+    if (!(b == high || high < b)) continue;
+    if (b - a == epsilon || b - a < epsilon) return {a, b};
   }
 }
 

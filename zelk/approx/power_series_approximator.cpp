@@ -1,8 +1,9 @@
 #include "zelk/approx/power_series_approximator.h"
 
-#include "zelk/approx/convergent_walk.h"
-#include "zelk/approx/machin.h"
-#include "zelk/approx/maclaurin.h"
+#include "zelk/approx/internal/convergent_walk.h"
+#include "zelk/approx/internal/machin.h"
+#include "zelk/approx/internal/maclaurin.h"
+#include "zelk/approx/internal/tolerance.h"
 
 namespace zelk::na {
 
@@ -11,19 +12,21 @@ namespace {
 using Bounds = PowerSeriesApproximator::Bounds;
 using PointKey = hsh::pair_hash_eq::View;
 
-bool at_most(QNumber const& a, QNumber const& b) { return a == b || a < b; }
-
 /// The convergents of the two ends at the least common length that still enclose what lies
 /// between them, and no wider than `tolerance`. Ends at the latest with the ends themselves.
 Bounds simplify(RationalApproximator& approximator, Bounds const& ends, QNumber const& tolerance) {
-  ConvergentWalk lower(approximator, ends.first, 1);
-  ConvergentWalk upper(approximator, ends.second, 1);
+  auto const& [low, high] = ends;
+  ConvergentWalk lower(approximator, low, 1);
+  ConvergentWalk upper(approximator, high, 1);
+  // Two numbers, assigned to at every length: once in big form, each of them stays there.
+  Bounds found;
+  auto& [a, b] = found;
   for (;;) {
-    QNumber const& a = lower.next();
-    QNumber const& b = upper.next();
-    if ((a == ends.first || lower.below()) && (b == ends.second || upper.above()) &&
-        at_most(b - a, tolerance))
-      return {a, b};
+    a = lower.next();
+    b = upper.next();
+    if (!(a == low || lower.is_below(a)) || !(b == high || upper.is_above(b))) continue;
+    QNumber const width = b - a;
+    if (width == tolerance || width < tolerance) return found;
   }
 }
 
@@ -31,12 +34,22 @@ Bounds simplify(RationalApproximator& approximator, Bounds const& ends, QNumber 
 /// `operator[]`: the map may grow once more here.
 template <class Cache, class Key, class Compute>
 auto const& answer(Cache& cache, Key const& key, Compute compute) {
-  if (auto const known = cache.find(key); known != cache.end()) return known.node->value.second;
+  if (auto const known = cache.find_by(key); known != cache.end()) return known.node->value.second;
   compute();
-  return cache[key];
+  return cache.get_by(key);
 }
 
 }  // namespace
+
+inline PowerSeriesApproximator::ApproxData const& PowerSeriesApproximator::exp_record(
+    QNumber const& x, unsigned prec) {
+  return answer(exp_cache, PointKey(x, prec), [&] { maclaurin_exp_compute(x, prec); });
+}
+
+inline PowerSeriesApproximator::ApproxData const& PowerSeriesApproximator::sin_record(
+    QNumber const& x, unsigned prec) {
+  return answer(sin_cache, PointKey(x, prec), [&] { maclaurin_sin_compute(x, prec); });
+}
 
 Bounds PowerSeriesApproximator::maclaurin_exp_bounds(QNumber const& x, unsigned prec) {
   return exp_record(x, prec).bounds;
@@ -69,16 +82,6 @@ void PowerSeriesApproximator::maclaurin_sin_compute(QNumber const& x, unsigned p
 void PowerSeriesApproximator::machin_pi_compute(unsigned prec) {
   QNumber const tolerance = tolerance_of(prec);
   pi_cache.store(prec, simplify(rational_approx, sum_machin(tolerance), tolerance));
-}
-
-PowerSeriesApproximator::ApproxData const& PowerSeriesApproximator::exp_record(QNumber const& x,
-                                                                               unsigned prec) {
-  return answer(exp_cache, PointKey(x, prec), [&] { maclaurin_exp_compute(x, prec); });
-}
-
-PowerSeriesApproximator::ApproxData const& PowerSeriesApproximator::sin_record(QNumber const& x,
-                                                                               unsigned prec) {
-  return answer(sin_cache, PointKey(x, prec), [&] { maclaurin_sin_compute(x, prec); });
 }
 
 }  // namespace zelk::na

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <functional>
 #include <utility>
 
 #include "zelk/approx/rational_approximator.h"
+#include "zelk/config.h"
 #include "zelk/containers/hash_map.h"
 #include "zelk/containers/hasher.h"
-#include "zelk/export.h"
+#include "zelk/containers/table_view.h"
 #include "zelk/numbers/q_number.h"
 
 namespace zelk::na {
@@ -44,14 +44,16 @@ class ZELK_EXPORT PowerSeriesApproximator {
     int degree = -1;
   };
 
+  /// Hash and equality of a (point, precision) key.
+  struct pair_hash_eq : hsh::pair_hash_eq {};
+
   /// The tables of answers: by point and precision, and for pi by precision.
-  using pair_hash_eq = hsh::pair_hash_eq;
   using SeriesCache =
       hsh::HashMap<std::pair<QNumber, unsigned>, ApproxData, pair_hash_eq, pair_hash_eq>;
   using PiCache = hsh::HashMap<unsigned, Bounds, hsh::hash<unsigned>, std::equal_to<unsigned>>;
 
   /// Uses `ra`, which must outlive this object, to simplify the bounds of pi.
-  explicit PowerSeriesApproximator(RationalApproximator& ra) : rational_approx(ra) {}
+  PowerSeriesApproximator(RationalApproximator& ra) : rational_approx(ra) {}
 
   /// e^x, less than 10^-prec wide: partial sums of the Maclaurin series, closed for x > 0 by the
   /// tail estimate e^x <= S_k / (1 - x^k/k!), for x < 0 by the next, smaller term.
@@ -86,9 +88,9 @@ class ZELK_EXPORT PowerSeriesApproximator {
   void machin_pi_compute(unsigned prec);
 
   /// What has been answered so far.
-  SeriesCache const& exp_records() const { return exp_cache; }
-  SeriesCache const& sin_records() const { return sin_cache; }
-  PiCache const& pi_records() const { return pi_cache; }
+  hsh::TableView<SeriesCache> exp_records() const { return exp_cache; }
+  hsh::TableView<SeriesCache> sin_records() const { return sin_cache; }
+  hsh::TableView<PiCache> pi_records() const { return pi_cache; }
 
  private:
   ApproxData const& exp_record(QNumber const& x, unsigned prec);

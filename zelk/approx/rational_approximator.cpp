@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "zelk/approx/convergent_walk.h"
-#include "zelk/approx/euclid.h"
+#include "zelk/approx/internal/convergent_walk.h"
+#include "zelk/approx/internal/euclid.h"
 #include "zelk/numbers/integer.h"
 
 namespace zelk::na {

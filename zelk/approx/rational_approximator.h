@@ -1,13 +1,13 @@
 #pragma once
 
-#include <functional>
 #include <utility>
 #include <vector>
 
+#include "zelk/config.h"
 #include "zelk/containers/hash_map.h"
 #include "zelk/containers/hasher.h"
 #include "zelk/containers/hashtable.h"
-#include "zelk/export.h"
+#include "zelk/containers/table_view.h"
 #include "zelk/numbers/q_number.h"
 
 namespace zelk::na {
@@ -26,7 +26,7 @@ class ZELK_EXPORT RationalApproximator {
   /// number = [a0; ..., a(k-1), r].
   struct ContinuedFraction {
     /// Nothing expanded yet: all of q is left.
-    explicit ContinuedFraction(QNumber const& q) : number(q), remainder(q) {}
+    ContinuedFraction(QNumber const& q) : number(q), remainder(q) {}
 
     /// As the record says: the number, the terms, and what is left after them.
     QNumber number;
@@ -34,8 +34,10 @@ class ZELK_EXPORT RationalApproximator {
     QNumber remainder;
   };
 
+  /// Hash and equality of a (number, precision) key.
+  struct pair_hash_eq : hsh::pair_hash_eq {};
+
   /// The tables of convergents, by number and precision, and of expansions, by number.
-  using pair_hash_eq = hsh::pair_hash_eq;
   using ApproxCache =
       hsh::HashMap<std::pair<QNumber, unsigned>, QNumber, pair_hash_eq, pair_hash_eq>;
   using CfCache = hsh::Hashtable<std::pair<QNumber, ContinuedFraction>,
@@ -51,22 +53,22 @@ class ZELK_EXPORT RationalApproximator {
   /// Cost: one split and one reciprocal for each term beyond the stored ones.
   ContinuedFraction get_cf(QNumber const& q, unsigned prec);
 
-  /// The convergent of q after prec terms; q itself once prec reaches the number of its terms.
+  /// The convergent of q after prec terms, at least one; q itself once prec reaches the number of
+  /// its terms.
   ///
-  /// Requires: prec >= 1, unless q is an integer.
   /// Cost: one lookup when (q, prec) was asked before; otherwise one pass over prec terms.
   QNumber do_approx(QNumber const& q, unsigned prec);
 
   /// The first convergent from precision prec on that is an upper bound of q (dir > 0), a lower
   /// bound of q (dir < 0), or simply the one at prec (dir = 0).
   ///
-  /// Requires: as for `do_approx`. Cost: that of `do_approx` for each precision tried: where the
+  /// Cost: that of `do_approx` for each precision tried: where the
   /// sides alternate two, at most one for each term.
   QNumber approx(QNumber const& q, unsigned prec, int dir);
 
   /// What has been answered and expanded so far.
-  ApproxCache const& approximations() const { return approx_cache; }
-  CfCache const& expansions() const { return cf_cache; }
+  hsh::TableView<ApproxCache> approximations() const { return approx_cache; }
+  hsh::TableView<CfCache> expansions() const { return cf_cache; }
 
  private:
   friend class ConvergentWalk;

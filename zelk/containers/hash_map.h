@@ -20,19 +20,22 @@ class HashMap : public Hashtable<std::pair<Key, Mapped>, GetKey_pair<Key, Mapped
  public:
   /// The value under k, inserted value-initialised when absent. Counts as an insertion attempt:
   /// the load check runs even when k is present.
-  template <class K = Key>
-  Mapped& operator[](K const& k) {
+  Mapped& operator[](Key const& k) { return get_by(k); }
+
+  /// The same by a stand-in for the key.
+  template <class StandIn>
+  Mapped& get_by(StandIn const& k) {
     std::size_t index;
     typename HashMap::Bucket* node;
     this->find_or_add(k, &index, &node, k, Mapped());
     return node->value.second;
   }
 
-  /// Puts a finished value, or what makes one, under k: a new entry is complete when it is first
-  /// seen, a present one is assigned to. Returns the stored value. One insertion attempt, as
-  /// `operator[]`.
-  template <class K = Key, class Part = Mapped>
-  Mapped& store(K const& k, Part const& value) {
+  /// Puts a finished value, or what makes one, under a key or what stands for it: a new entry is
+  /// complete when it is first seen, a present one is assigned to. Returns the stored value. One
+  /// insertion attempt, as `operator[]`.
+  template <class StandIn, class Part = Mapped>
+  Mapped& store(StandIn const& k, Part const& value) {
     std::size_t index;
     typename HashMap::Bucket* node;
     if (!this->find_or_add(k, &index, &node, k, value)) node->value.second = Mapped(value);

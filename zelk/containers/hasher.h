@@ -2,10 +2,15 @@
 
 #include <bit>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
-#include <span>
 #include <utility>
+#include <vector>  // with the library of GCC it has std::equal_to, in half the time of <functional>
+#ifndef __GLIBCXX__
+#include <functional>
+#endif
 
+#include "zelk/numbers/hash.h"
 #include "zelk/numbers/q_number.h"
 
 namespace zelk {
@@ -35,8 +40,8 @@ struct Hasher<QNumber> {
   }
 
   static std::uint64_t mix_limbs(std::uint64_t h, mpz_srcptr magnitude) {
-    std::span const limbs(mpz_limbs_read(magnitude), mpz_size(magnitude));
-    for (mp_limb_t const x : limbs) h ^= (h << 6) + (h >> 2) + x;
+    mp_limb_t const* const limbs = mpz_limbs_read(magnitude);
+    for (std::size_t i = 0; i < mpz_size(magnitude); ++i) h ^= (h << 6) + (h >> 2) + limbs[i];
     return h;
   }
 };
@@ -82,6 +87,14 @@ struct pair_hash_eq {
   std::uint64_t operator()(V const& key) const {
     return key.number_hash << 32 | key.second;
   }
+
+  /// A finer hash, for where many keys have one hash: of the number's value and the precision.
+  template <class AnyKey>
+  requires requires(AnyKey const& key) { value_hash(key.first); }
+  static std::uint64_t fine(AnyKey const& key) {
+    return detail::mixed(value_hash(key.first), key.second);
+  }
+
   template <std::same_as<View> V>
   bool operator()(Key const& a, V const& b) const {
     return are_equal(a, b);

@@ -1,11 +1,13 @@
 #pragma once
 
-#include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <utility>
 #include <vector>
 
+#include "zelk/containers/chain_index.h"
 #include "zelk/containers/object_pool.h"
 #include "zelk/containers/primes.h"
 
@@ -15,18 +17,24 @@ namespace zelk::hsh {
 /// are, and live until the table is destroyed.
 ///
 /// GetKey takes the Key out of a Value, Hash maps a Key to 64 bits, Eq compares two Keys; none of
-/// them may throw. Lookups also take any stand-in K for a Key that Hash and Eq treat as the key it
-/// stands for, so that a key need not be copied together to be looked up. Bucket counts are
+/// them may throw. What takes a stand-in looks up by any object that Hash and Eq treat as the key
+/// it stands for, so that a key need not be copied together to be looked up. Bucket counts are
 /// `primes`, at first 31; before each insertion attempt a load above 0.7 grows the table to the
 /// next one, by the hashes that the nodes carry: a key is hashed once for each lookup or insertion,
 /// however often the table grows. A failed growth or insertion leaves every entry.
 ///
 /// Cost: a lookup or insertion hashes once and compares keys of one chain, for hashes that scatter
-/// fewer than 1.4 on the average; growth is a pass over all nodes, amortised constant.
-/// Source: separate chaining, Knuth, The Art of Computer Programming, 6.4.
+/// fewer than 1.4 on the average; growth is a pass over all nodes, amortised constant. Where Hash
+/// has a finer hash besides, `fine(k)`, equal for equal keys, a chain that has become long gets an
+/// index by it, and a lookup there costs what it costs elsewhere. The index is beside the chain,
+/// which stays as it is; a host may ignore it, and so does the table when memory for it cannot be
+/// had. Source: separate chaining, Knuth, The Art of Computer Programming, 6.4.
 template <class Value, class GetKey, class Key, class Hash, class Eq>
 class Hashtable {
  public:
+  /// What the table is looked up by.
+  using key_type = Key;
+
   /// A node of a chain.
   struct Bucket {
     /// The next node of the chain, or null.
@@ -66,11 +74,19 @@ class Hashtable {
   iterator end() { return at(buckets.size(), nullptr); }
 
   /// The entry with key k, or the end. An empty table answers without hashing.
-  template <class K = Key>
-  iterator find(K const& k) {
+  iterator find(Key const& k) { return find_by(k); }
+
+  /// The same by a stand-in for the key.
+  template <class StandIn>
+  iterator find_by(StandIn const& k) {
     std::size_t index;
     Bucket* node;
-    return count != 0 && do_find(k, &index, &node) ? at(index, node) : end();
+    return count != 0 && locate(k, Hash()(k), &index, &node) ? at(index, node) : end();
+  }
+
+  /// The node of the entry with key k, or null, for tables that are only looked at.
+  Bucket const* node_of(Key const& k) const {
+    return count != 0 ? look_up(k, Hash()(k) % buckets.size()) : nullptr;
   }
 
   /// Adds a copy of v unless its key is present, in which case nothing is replaced.
@@ -82,9 +98,8 @@ class Hashtable {
     return {at(index, node), added};
   }
 
-  /// Sets *index to the bucket of k; on true also *node to the entry with key k.
-  template <class K = Key>
-  bool do_find(K const& k, std::size_t* index, Bucket** node) {
+  /// Sets *index to the bucket of k; when the answer is true, also *node to the entry with key k.
+  bool do_find(Key const& k, std::size_t* index, Bucket** node) {
     return locate(k, Hash()(k), index, node);
   }
 
@@ -93,16 +108,18 @@ class Hashtable {
     return find_or_add(GetKey()(v), index, node, v);
   }
 
-  /// As `do_insert`, of a value made of `parts` only when k, its key, is absent.
-  template <class K, class... Parts>
-  bool find_or_add(K const& k, std::size_t* index, Bucket** node, Parts const&... parts) {
+  /// As `do_insert`, of a value made of `parts` only when its key, for which k may stand, is
+  /// absent.
+  template <class StandIn, class... Parts>
+  bool find_or_add(StandIn const& k, std::size_t* index, Bucket** node, Parts const&... parts) {
     make_room();
     std::uint64_t const hash = Hash()(k);
     if (locate(k, hash, index, node)) return false;
-    *node = new_Bucket(parts...);
+    *node = new_node(parts...);
     (*node)->hash = hash;
     push(buckets[*index], *node);
     ++count;
+    keep_index(*index);
     return true;
   }
 
@@ -113,7 +130,8 @@ class Hashtable {
   /// Cost: a pass over all nodes, without hashing. Throws: std::bad_alloc; the table is as it was.
   void rehash(std::size_t n) {
     if (buckets.size() >= n) return;
-    auto const* const least = std::lower_bound(primes.begin(), primes.end() - 1, n);
+    auto const* least = primes.begin();
+    while (*least < n && least != primes.end() - 1) ++least;
     std::vector<Bucket*> grown(*least, nullptr);
     for (Bucket* head : buckets) {
       while (head != nullptr) {
@@ -122,6 +140,9 @@ class Hashtable {
       }
     }
     buckets.swap(grown);
+    if (indexes.empty()) return;
+    indexes.clear();  // the chains are others now
+    for (std::size_t i = 0; i < buckets.size(); ++i) keep_index(i);
   }
 
   /// The load check of every insertion attempt, made before the key is looked up.
@@ -130,10 +151,23 @@ class Hashtable {
     if (static_cast<double>(load) > 0.7) rehash(buckets.size() + 1);
   }
 
-  /// A node from the pool with a value made of `parts` (a copy of it, if that is a Value), in no
-  /// chain.
+  /// A node from the pool with a copy of v, in no chain.
+  Bucket* new_Bucket(Value const& v) { return new_node(v); }
+
+  /// The numbers of entries and of chains.
+  std::size_t size() const { return count; }
+  std::size_t bucket_count() const { return buckets.size(); }
+
+  /// The first node of a chain, for looking at what the table holds. Requires: index is below
+  /// bucket_count().
+  Bucket const* chain(std::size_t index) const {
+    assert(index < buckets.size());
+    return buckets[index];
+  }
+
+ private:
   template <class... Parts>
-  Bucket* new_Bucket(Parts const&... parts) {
+  Bucket* new_node(Parts const&... parts) {
     void* const slot = pool.allocate();
     try {
       return ::new (slot) Bucket{nullptr, Value(parts...), 0};
@@ -143,25 +177,61 @@ class Hashtable {
     }
   }
 
-  /// The numbers of entries and of chains.
-  std::size_t size() const { return count; }
-  std::size_t bucket_count() const { return buckets.size(); }
+  // A chain with more nodes gets an index.
+  static constexpr std::size_t long_chain = 32;
 
-  /// The first node of a chain, for looking at what the table holds. Requires: index is below
-  /// bucket_count().
-  Bucket const* chain(std::size_t index) const { return buckets[index]; }
+  using Index = ChainIndex<Bucket>;
 
- private:
+  /// Whether Hash has a finer hash of k.
   template <class K>
-  bool locate(K const& k, std::uint64_t hash, std::size_t* index, Bucket** node) {
+  static constexpr bool has_fine_hash = requires(K const& k) {
+    Hash::fine(k);
+  };
+
+  template <class StandIn>
+  bool locate(StandIn const& k, std::uint64_t hash, std::size_t* index, Bucket** node) const {
     *index = hash % buckets.size();
-    for (Bucket* candidate = buckets[*index]; candidate != nullptr; candidate = candidate->next) {
-      if (Eq()(GetKey()(candidate->value), k)) {
-        *node = candidate;
-        return true;
+    *node = look_up(k, *index);
+    return *node != nullptr;
+  }
+
+  /// The first node of a chain with key k, or null.
+  template <class StandIn>
+  Bucket* look_up(StandIn const& k, std::size_t index) const {
+    auto const is_it = [&k](Bucket const& node) { return Eq()(GetKey()(node.value), k); };
+    if constexpr (has_fine_hash<StandIn>)
+      if (has_index(index)) [[unlikely]]
+        return indexes[index].find(Hash::fine(k), is_it);
+    Bucket* node = buckets[index];
+    while (node != nullptr && !is_it(*node)) node = node->next;
+    return node;
+  }
+
+  bool has_index(std::size_t index) const { return !indexes.empty() && !indexes[index].is_empty(); }
+
+  /// To be called with the chain of a new node, and with all chains after growth. The index has the
+  /// nodes from the head on: of equal keys, which can meet when the table grows, a lookup finds the
+  /// first. Without memory there is no index, and lookups walk the chain.
+  void keep_index(std::size_t index) {
+    if constexpr (has_fine_hash<Key>) {
+      Bucket* const head = buckets[index];
+      if (!has_index(index) && !is_longer(head, long_chain)) [[likely]]
+        return;
+      auto const fine = [](Bucket* node) { return Hash::fine(GetKey()(node->value)); };
+      try {
+        if (has_index(index)) return indexes[index].add(fine(head), head);
+        if (indexes.empty()) indexes.resize(buckets.size());
+        for (Bucket* node = head; node != nullptr; node = node->next)
+          indexes[index].add(fine(node), node);
+      } catch (std::bad_alloc const&) {
+        if (!indexes.empty()) indexes[index] = Index();
       }
     }
-    return false;
+  }
+
+  static bool is_longer(Bucket const* node, std::size_t length) {
+    for (; node != nullptr && length != 0; --length) node = node->next;
+    return node != nullptr;
   }
 
   static void push(Bucket*& head, Bucket* node) {
@@ -174,6 +244,7 @@ class Hashtable {
   ObjectPool<Bucket, false> pool;
   std::vector<Bucket*> buckets;
   std::uint64_t count = 0;
+  std::vector<Index> indexes;  // by bucket, empty for short chains; none before the first long one
 };
 
 }  // namespace zelk::hsh

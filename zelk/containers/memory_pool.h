@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -54,7 +53,8 @@ class MemoryPool {
 
     auto const grown =
         static_cast<std::uint64_t>(static_cast<float>(slots) * growth);  // exact: powers of two
-    chunk_objects = max_chunk_objects == 0 ? grown : std::min(grown, max_chunk_objects);
+    bool const is_limited = max_chunk_objects != 0 && max_chunk_objects < grown;
+    chunk_objects = is_limited ? max_chunk_objects : grown;
 
     // From the last slot to the first, so that the list runs in address order.
     auto* const first = static_cast<std::byte*>(memory) + sizeof(Link);

@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
+#include "zelk/config.h"
 #include "zelk/convert/rounding.h"
-#include "zelk/export.h"
 #include "zelk/numbers/q_number.h"
 
 namespace zelk::convert {

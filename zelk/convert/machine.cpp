@@ -31,9 +31,9 @@ struct Magnitude {
   long exponent;
 };
 
-/// |q|, cut to an integer of at most 57 bits times a power of two; its last bit is also set when
-/// anything was cut off. At least two bits are more than a double can hold, so what is still to be
-/// rounded off compares with zero and with one half as if nothing were missing.
+/// |q|, truncated to an integer of at most 57 bits times a power of two. The last bit is sticky: it
+/// is set as well when anything was cut off. At least two bits more than a double holds are kept,
+/// so rounding these bits gives what rounding |q| itself would.
 Magnitude cut(QNumber const& q) {
   Integer n(q.numerator());
   Integer d(q.denominator());

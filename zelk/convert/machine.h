@@ -3,8 +3,8 @@
 #include <concepts>
 #include <utility>
 
+#include "zelk/config.h"
 #include "zelk/convert/rounding.h"
-#include "zelk/export.h"
 #include "zelk/numbers/q_number.h"
 
 /// Rationals and machine floating point. Into `double` is a way out of exactness, for display and

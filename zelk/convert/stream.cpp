@@ -36,7 +36,8 @@ bool may_follow(std::string const& word, char c) {
   }
 }
 
-/// Sets badbit too, and leaves it to the caller to throw what says more than the stream would.
+/// Sets badbit as well, without the exception that the stream may throw for it: the caller has a
+/// better one to throw.
 void set_badbit(std::istream& in, std::ios_base::iostate state) {
   try {
     in.setstate(state | std::ios_base::badbit);
@@ -56,7 +57,8 @@ std::ostream& operator<<(std::ostream& out, QNumber const& q) {
   return out << text;
 }
 
-// The end of a thread has no object behind the reference by which it is caught.
+// When a thread is cancelled, what is caught as __forced_unwind is a reference to nothing, at which
+// the sanitizer of null pointers would stop.
 __attribute__((no_sanitize("null"))) std::istream& operator>>(std::istream& in, QNumber& q) {
   using Traits = std::istream::traits_type;
   std::istream::sentry const ready(in);
@@ -77,7 +79,7 @@ __attribute__((no_sanitize("null"))) std::istream& operator>>(std::istream& in, 
     state |= std::ios_base::failbit;
 #ifdef __GLIBCXX__
   } catch (abi::__forced_unwind const&) {
-    set_badbit(in, state);  // the thread is being cancelled, which nobody may stop
+    set_badbit(in, state);  // the thread is being cancelled: this has to be thrown on
     throw;
 #endif
   } catch (...) {

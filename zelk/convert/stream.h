@@ -2,7 +2,7 @@
 
 #include <iosfwd>
 
-#include "zelk/export.h"
+#include "zelk/config.h"
 #include "zelk/numbers/q_number.h"
 
 /// Numbers on streams of `char`, in the texts of zelk/convert/text.h. A stream's locale decides

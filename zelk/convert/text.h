@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "zelk/export.h"
+#include "zelk/config.h"
 #include "zelk/numbers/q_number.h"
 
 /// Values in and out of the library.

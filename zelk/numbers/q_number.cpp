@@ -1,29 +1,25 @@
 #include "zelk/numbers/q_number.h"
 
 #include <numeric>
+#include <stdexcept>
 
-#include "zelk/numbers/leading_bits.h"
+#include "zelk/numbers/integer.h"
+#include "zelk/numbers/internal/leading_bits.h"
+#include "zelk/numbers/internal/scratch.h"
 
 namespace zelk {
 
 constinit long gcd_cache[gcd_cache_limit + 1][gcd_cache_limit + 1] = {};
 
-mpz_t QNumber::gmp_tmp[4];
-
 namespace {
 
-struct ScratchSetup {
-  ScratchSetup() {
-    for (auto& scratch : QNumber::gmp_tmp) mpz_init(scratch);
-  }
-};
-
-// The earliest priority open to programs: before every other object with dynamic initialisation.
-// Nothing undoes it, so numbers also work in destructors that run after main.
-[[gnu::init_priority(101)]] ScratchSetup const scratch_setup;
+using detail::scratch;
 
 /// Requires: n > 0.
-bool is_one(mpz_srcptr n) { return mpz_getlimbn(n, 0) == 1 && mpz_size(n) == 1; }
+bool is_one(mpz_srcptr n) {
+  assert(mpz_sgn(n) > 0);
+  return mpz_getlimbn(n, 0) == 1 && mpz_size(n) == 1;
+}
 
 /// n / divisor, exact: n itself when there is nothing to divide, otherwise formed in `room`.
 mpz_srcptr cancelled(mpz_ptr room, mpz_srcptr n, mpz_srcptr divisor) {
@@ -39,7 +35,7 @@ void make_denominator_positive(mpz_ptr n, mpz_ptr d) {
 }
 
 void normalise(mpz_ptr n, mpz_ptr d) {
-  auto& gcd = QNumber::gmp_tmp[0];
+  auto& gcd = scratch()[0];
   mpz_gcd(gcd, n, d);
   if (!is_one(gcd)) {
     mpz_divexact(n, n, gcd);
@@ -50,7 +46,7 @@ void normalise(mpz_ptr n, mpz_ptr d) {
 
 /// n/d = an/ad * bn/bd, cancelled crosswise. n and d may be an and ad, and bn and bd too.
 void multiply(mpz_ptr n, mpz_ptr d, mpz_srcptr an, mpz_srcptr ad, mpz_srcptr bn, mpz_srcptr bd) {
-  auto& [t0, t1, t2, t3] = QNumber::gmp_tmp;
+  auto& [t0, t1, t2, t3] = scratch();
   if (an == bn) {  // a square is in lowest terms as it stands
     mpz_mul(n, an, an);
     mpz_mul(d, ad, ad);
@@ -68,29 +64,70 @@ void multiply(mpz_ptr n, mpz_ptr d, mpz_srcptr an, mpz_srcptr ad, mpz_srcptr bn,
 
 bool fits_word(mpz_srcptr n) { return mpz_fits_slong_p(n) != 0 && mpz_get_si(n) != LONG_MIN; }
 
+/// Throws: std::domain_error when the divisor is 0.
+void require_divisor(mpz_srcptr divisor) {
+  if (mpz_sgn(divisor) == 0) throw std::domain_error("division by zero");
+}
+
 }  // namespace
 
-void detail::remember_gcd(long a, long b) { gcd_cache[b][a] = gcd_cache[a][b] = std::gcd(a, b); }
+void detail::remember_gcd(long a, long b) {
+  assert(0 <= a && a <= gcd_cache_limit && 1 <= b && b <= gcd_cache_limit);
+  long const gcd = std::gcd(a, b);
+  __atomic_store_n(&gcd_cache[b][a], gcd, __ATOMIC_RELAXED);
+  __atomic_store_n(&gcd_cache[a][b], gcd, __ATOMIC_RELAXED);
+}
 
 QNumber QNumber::from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
-  assert(mpz_sgn(denominator) != 0);
   if (fits_word(numerator) && fits_word(denominator))
     return {mpz_get_si(numerator), mpz_get_si(denominator)};
-  QNumber const big = big_from_mpz(numerator, denominator);
-  auto const& [n, d] = *big.block();
-  if (!fits_word(n) || !fits_word(d)) return big;
-  QNumber small;
-  small.num = mpz_get_si(n);
-  small.den = mpz_get_si(d);
-  return small;
+  QNumber reduced = big_from_mpz(numerator, denominator);
+  auto const& [n, d] = *reduced.block();
+  if (fits_word(n) && fits_word(d)) return reduced.to_small();
+  return reduced;
 }
 
 QNumber QNumber::big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
-  assert(mpz_sgn(denominator) != 0);
+  require_divisor(denominator);
   QNumber big;
   big.adopt(new Block(numerator, denominator));
   big.normalise_big();
   return big;
+}
+
+QNumber::QNumber(LowestTerms const& fraction) : QNumber() {
+  require_divisor(fraction.denominator);
+  adopt(new Block(fraction.numerator, fraction.denominator));
+  assert(is_canonical());
+}
+
+QNumber QNumber::from_lowest_terms(LowestTerms const& fraction) {
+  if (!fits_word(fraction.numerator) || !fits_word(fraction.denominator)) return QNumber(fraction);
+  QNumber small;
+  small.num = mpz_get_si(fraction.numerator);
+  small.den = mpz_get_si(fraction.denominator);
+  assert(small.is_canonical());
+  return small;
+}
+
+bool QNumber::is_canonical() const {
+  if (den != 0) return num != LONG_MIN && den > 0 && std::gcd(num, den) == 1;
+  Integer gcd;  // not scratch, which may be what the parts were made of
+  mpz_gcd(gcd, block()->numerator, block()->denominator);
+  return mpz_sgn(block()->denominator) > 0 && is_one(gcd);
+}
+
+/// The words are a fraction that small form does not hold: one of them is -2^63, or the denominator
+/// is 0.
+void QNumber::become_extreme() {
+  IntegerView const d(den);
+  *this = big_from_mpz(IntegerView(num), d);
+}
+
+void QNumber::become_unsigned(unsigned long n, unsigned long d, bool is_negative) {
+  Integer numerator(n);
+  if (is_negative) mpz_neg(numerator, numerator);
+  *this = big_from_mpz(numerator, Integer(d));
 }
 
 void QNumber::make_big() { adopt(new Block(num, den)); }
@@ -108,6 +145,20 @@ void QNumber::assign_big(QNumber const& other) {
   } else {
     adopt(new Block(other.numerator(), other.denominator()));
   }
+}
+
+/// One of the two numbers is in big form. What this one holds afterwards was the other's, block and
+/// all, or stands in this one's own block.
+void QNumber::take_big(QNumber& other) noexcept {
+  if (other.is_big()) {
+    swap(*this, other);
+    if (this == &other) return;
+    if (other.is_big()) other.release_block();
+  } else {
+    mpz_set_si(block()->numerator, other.num);
+    mpz_set_si(block()->denominator, other.den);
+  }
+  other.become_zero();
 }
 
 bool QNumber::has_big_unit_denominator() const { return is_one(block()->denominator); }
@@ -135,7 +186,7 @@ void QNumber::sum_big(QNumber const& a, QNumber const& b, Sign sign) {
     mpz_set_ui(d, 1);
     return;
   }
-  auto& [g, t1, t2, t3] = gmp_tmp;
+  auto& [g, t1, t2, t3] = scratch();
   mpz_gcd(g, ad, bd);
   if (is_one(g)) {
     mpz_mul(t1, bn, ad);
@@ -163,8 +214,7 @@ void QNumber::product_big(QNumber const& a, QNumber const& b) {
   // The one way out of big form.
   if (a.is_big() && !b.is_big() && b.is_zero() && !a.is_integer()) {
     if (is_big()) release_block();
-    num = 0;
-    den = 1;
+    become_zero();
     return;
   }
   auto& [n, d] = room_for_result(a);
@@ -181,18 +231,14 @@ void QNumber::product_big(QNumber const& a, QNumber const& b) {
 }
 
 void QNumber::quotient_big(QNumber const& a, QNumber const& b) {
-  assert(!b.is_zero());
+  require_divisor(b.numerator());
   auto& [n, d] = room_for_result(a);
-  if (this == &b) {
-    mpz_set_ui(n, 1);
-    mpz_set_ui(d, 1);
-    return;
-  }
   multiply(n, d, a.numerator(), a.denominator(), b.denominator(), b.numerator());
   make_denominator_positive(n, d);
 }
 
 QNumber QNumber::inv_big() const {
+  require_divisor(block()->numerator);
   // In lowest terms as before: only the sign can be in the wrong place.
   QNumber inverse;
   inverse.adopt(new Block(block()->denominator, block()->numerator));
@@ -228,7 +274,8 @@ bool QNumber::less_big(QNumber const& a, QNumber const& b) {
   IntegerView const ad = a.denominator();
   IntegerView const bn = b.numerator();
   IntegerView const bd = b.denominator();
-  return sign * compare_products(an, bd, bn, ad, gmp_tmp[0], gmp_tmp[1]) < 0;
+  auto& [left, right, t2, t3] = scratch();
+  return sign * compare_products(an, bd, bn, ad, left, right) < 0;
 }
 
 }  // namespace zelk

@@ -5,10 +5,11 @@
 #include <climits>
 #include <concepts>
 #include <type_traits>
+#include <utility>
 
 #include <gmp.h>
 
-#include "zelk/export.h"
+#include "zelk/config.h"
 #include "zelk/numbers/gcd_cache.h"
 #include "zelk/numbers/integer_view.h"
 
@@ -18,6 +19,18 @@ static_assert(sizeof(long) == 8,
               "zelk holds small numbers in `long`, which must have 64 bits here");
 static_assert(sizeof(void*) == sizeof(long), "zelk holds a pointer in a `long`");
 static_assert(GMP_NUMB_BITS == 64, "zelk needs a GMP with 64-bit limbs and no nails");
+
+/// Integers that fill a word and whose upper half `long` does not have.
+template <class T>
+inline constexpr bool is_unsigned_word = std::unsigned_integral<T> && sizeof(T) == sizeof(long);
+
+/// Arguments that a conversion to `long` could change silently.
+template <class T>
+inline constexpr bool may_not_fit = std::floating_point<T> ||
+                                    (!std::is_class_v<T> && sizeof(T) > sizeof(long));
+template <class T>
+requires(std::is_enum_v<T>) inline constexpr bool may_not_fit<T> =
+    is_unsigned_word<std::underlying_type_t<T>>;
 
 /// An exact rational number, always in lowest terms with a positive denominator; zero is 0/1.
 ///
@@ -32,21 +45,30 @@ static_assert(GMP_NUMB_BITS == 64, "zelk needs a GMP with 64-bit limbs and no na
 /// multiplied by a small zero becomes the small zero.
 ///
 /// Cost: in small form `+ - * / < ==` are a few machine instructions and at most two gcds of words,
-/// from `gcd_cache` when their operands are small; nothing is allocated and GMP is not called. In
+/// three for `/`, from `gcd_cache` when their operands are small; nothing is allocated and GMP is
+/// not called. Moving and swapping are constant in either form. In
 /// big form, with parts of n bits, sum, product, quotient and construction from two integers take
 /// gcds and so O(M(n) log n), where M(n) is the time of GMP's multiplication; `self_decompose` and
 /// a comparison take O(M(n)) at most; everything else is linear. Fractions are added and multiplied
 /// with as few and as short gcds as can be (Knuth, The Art of Computer Programming, 4.5.1).
 ///
-/// Zero denominators, division by zero and the inverse of zero are the caller's to avoid; debug
-/// builds assert. When a block cannot be had, `std::bad_alloc` is thrown and the target keeps its
-/// value. GMP ends the process when it cannot get memory for the digits themselves.
+/// Errors: a zero denominator, division by zero and the inverse of zero throw `std::domain_error`
+/// before anything is written. When a block cannot be had, `std::bad_alloc` is thrown and the
+/// target keeps its value. GMP ends the process when it cannot get memory for the digits
+/// themselves.
 class ZELK_EXPORT QNumber {
  public:
-  /// Scratch for the big forms, never holding anything from one operation to the next, so a host
-  /// may use them between calls too. Ready before any other object of the program is initialised
-  /// and never released: numbers at namespace scope work in any translation unit.
-  static mpz_t gmp_tmp[4];
+  /// Scratch for the big forms, four integers for each thread, never holding anything from one
+  /// operation to the next, so a host may use its own thread's between calls too. Ready before any
+  /// object of the program or the thread is initialised, and usable after their destruction.
+  ///
+  /// GMP enlarges them as needed. They are given back when a thread ends in which numbers in big
+  /// form were computed with.
+  static constinit thread_local mpz_t gmp_tmp[4];
+
+  /// Gives back what this thread's scratch integers hold: for threads that live long after large
+  /// work. Costs nothing but the memory, taken again when it is needed.
+  static void release_scratch() noexcept;
 
   /// 0.
   QNumber() : num(0), den(1) {}
@@ -57,11 +79,39 @@ class ZELK_EXPORT QNumber {
       make_big();
   }
 
-  /// Arguments that a conversion to `long` could change silently.
+  /// n/d in lowest terms. In big form exactly when n or d is -2^63.
+  /// Throws: std::domain_error when d is 0.
+  QNumber(long n, long d) : num(n), den(d) {
+    // One test for a d of 0 or -2^63: shifted, both are 0.
+    if (n == LONG_MIN || static_cast<unsigned long>(d) << 1 == 0) [[unlikely]]
+      become_extreme();
+    else if (n == 0)
+      den = 1;
+    else
+      reduce_words();
+  }
+
+  /// Unsigned words, exactly: as the same values in `long`, and in big form where one of them is
+  /// beyond 2^63 - 1. Throws: std::domain_error when d is 0.
   template <class T>
-  static constexpr bool may_not_fit = std::floating_point<T> ||
-                                      (std::unsigned_integral<T> && sizeof(T) >= sizeof(long)) ||
-                                      (!std::is_class_v<T> && sizeof(T) > sizeof(long));
+  requires(is_unsigned_word<T>) QNumber(T n) : num(static_cast<long>(n)), den(1) {
+    if (num < 0) [[unlikely]]
+      become_unsigned(n, 1, false);
+  }
+  template <class N, class D>
+  requires(std::integral<N>&& std::integral<D> && (is_unsigned_word<N> || is_unsigned_word<D>))
+      QNumber(N n, D d)
+      : num(static_cast<long>(n)), den(static_cast<long>(d)) {
+    if ((n > 0 && num < 0) || (d > 0 && den < 0)) [[unlikely]] {
+      become_unsigned(n < 0 ? 0 - static_cast<unsigned long>(n) : static_cast<unsigned long>(n),
+                      d < 0 ? 0 - static_cast<unsigned long>(d) : static_cast<unsigned long>(d),
+                      (n < 0) != (d < 0));
+    } else {
+      *this = QNumber(num, den);
+    }
+  }
+
+  /// Refused: numbers that a conversion to words could change silently.
   template <class T>
   requires(may_not_fit<T>) QNumber(T)
   = delete;
@@ -69,27 +119,14 @@ class ZELK_EXPORT QNumber {
   requires(may_not_fit<N> || may_not_fit<D>) QNumber(N, D)
   = delete;
 
-  /// n/d in lowest terms. In big form exactly when n or d is -2^63. Requires: d != 0.
-  QNumber(long n, long d) : num(n), den(d) {
-    assert(d != 0);
-    if (n == LONG_MIN || d == LONG_MIN) [[unlikely]] {
-      make_big();
-      normalise_big();
-    } else if (n == 0) {
-      den = 1;
-    } else {
-      reduce_words();
-    }
-  }
-
-  /// numerator/denominator in lowest terms, in small form whenever it fits.
-  /// Requires: denominator != 0. Either may be one of `gmp_tmp`.
+  /// numerator/denominator in lowest terms, in small form whenever it fits. Either may be one of
+  /// `gmp_tmp`. Throws: std::domain_error when the denominator is 0.
   static QNumber from_mpz(mpz_srcptr numerator, mpz_srcptr denominator);
 
   /// As `from_mpz`, but in big form whatever the value.
   static QNumber big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator);
 
-  /// A fraction with coprime parts and a positive denominator.
+  /// A fraction. Requires: coprime parts and a positive denominator.
   struct LowestTerms {
     /// Not owned: read when a number is made of them.
     mpz_srcptr numerator;
@@ -97,16 +134,21 @@ class ZELK_EXPORT QNumber {
   };
 
   /// In big form whatever the value, and without a gcd.
-  explicit QNumber(LowestTerms const& fraction)
-      : num(std::bit_cast<long>(new Block(fraction.numerator, fraction.denominator))), den(0) {
-    assert(mpz_sgn(fraction.denominator) > 0);
-  }
+  /// Throws: std::domain_error when the denominator is 0.
+  explicit QNumber(LowestTerms const& fraction);
+
+  /// In small form whenever it fits, and without a gcd.
+  static QNumber from_lowest_terms(LowestTerms const& fraction);
 
   /// In other's form; a copy in big form owns a block of its own.
   QNumber(QNumber const& other) : num(other.num), den(other.den) {
     if (den == 0) [[unlikely]]
       clone_block();
   }
+
+  /// In other's form, which is left as the small 0.
+  QNumber(QNumber&& other) noexcept
+      : num(std::exchange(other.num, 0)), den(std::exchange(other.den, 1)) {}
 
   ~QNumber() {
     if (den == 0) [[unlikely]]
@@ -124,6 +166,28 @@ class ZELK_EXPORT QNumber {
     return *this;
   }
 
+  /// As copying would, in the same form, but takes other's block where there is one to take, and
+  /// leaves other as the small 0. A number moved to itself keeps its value.
+  QNumber& operator=(QNumber&& other) noexcept {
+    if (is_small_with(other)) [[likely]] {
+      num = other.num;
+      den = other.den;
+      if (this != &other) other.become_zero();
+    } else {
+      take_big(other);
+    }
+    return *this;
+  }
+
+  /// Exchanges values and forms.
+  friend void swap(QNumber& a, QNumber& b) noexcept {
+    std::swap(a.num, b.num);
+    std::swap(a.den, b.den);
+  }
+
+  /// The same value, in small form when it fits.
+  QNumber to_small() const { return from_lowest_terms({numerator(), denominator()}); }
+
   /// Whether the number is in big form.
   bool is_big() const { return den == 0; }
 
@@ -140,7 +204,13 @@ class ZELK_EXPORT QNumber {
     return (num > 0) - (num < 0);
   }
 
-  /// The two parts as GMP integers, in either form; each view is good until the number changes.
+  /// Whether the parts are what a number's always are: coprime, with a positive denominator, and
+  /// words within ±(2^63 - 1). Only a wrong `LowestTerms` can make it false. Costs a gcd.
+  bool is_canonical() const;
+
+  /// The two parts as GMP integers, in either form. Each view is good until the number changes, and
+  /// a pointer taken from it no longer than the view (see there). As numbers, which stay good, they
+  /// are `zelk::numerator(q)` and `zelk::denominator(q)` in zelk/numbers/functions.h.
   IntegerView numerator() const {
     if (den == 0) return IntegerView(block()->numerator);
     return IntegerView(num);
@@ -160,7 +230,8 @@ class ZELK_EXPORT QNumber {
     return den;
   }
 
-  /// The same object may stand on both sides of each of these. Division requires b != 0.
+  /// The same object may stand on both sides of each of these. Throws: std::domain_error when b is
+  /// 0 in a division, which then leaves the number as it was.
   QNumber& operator+=(QNumber const& b) { return become_sum<Sign::plus>(*this, b); }
   QNumber& operator-=(QNumber const& b) { return become_sum<Sign::minus>(*this, b); }
   QNumber& operator*=(QNumber const& b) { return become_product(*this, b); }
@@ -196,9 +267,15 @@ class ZELK_EXPORT QNumber {
       num = -num;
   }
 
-  /// 1/value, in this number's form. Requires: the value is not 0.
+  /// The number with the other sign, in the same form.
+  QNumber operator-() const {
+    QNumber opposite(*this);
+    opposite.negate();
+    return opposite;
+  }
+
+  /// 1/value, in this number's form. Throws: std::domain_error when the value is 0.
   QNumber inv() const {
-    assert(!is_zero());
     if (den == 0) [[unlikely]]
       return inv_big();
     return {den, num};
@@ -243,6 +320,11 @@ class ZELK_EXPORT QNumber {
     return static_cast<DoubleWord>(a.num) * b.den < static_cast<DoubleWord>(b.num) * a.den;
   }
 
+  /// The other relations are made of `<`, and fill the table of gcds as it does.
+  friend bool operator>(QNumber const& a, QNumber const& b) { return b < a; }
+  friend bool operator<=(QNumber const& a, QNumber const& b) { return !(b < a); }
+  friend bool operator>=(QNumber const& a, QNumber const& b) { return !(a < b); }
+
  private:
   enum class Sign { plus, minus };
   __extension__ using DoubleWord = __int128;
@@ -275,6 +357,11 @@ class ZELK_EXPORT QNumber {
   void adopt(Block* owned) {
     num = std::bit_cast<long>(owned);
     den = 0;
+  }
+
+  void become_zero() {
+    num = 0;
+    den = 1;
   }
 
   bool is_small_with(QNumber const& other) const { return den != 0 && other.den != 0; }
@@ -363,11 +450,15 @@ class ZELK_EXPORT QNumber {
     return true;
   }
 
+  [[gnu::noinline, gnu::cold]] void become_extreme();
+  [[gnu::noinline, gnu::cold]] void become_unsigned(unsigned long n, unsigned long d,
+                                                    bool is_negative);
   [[gnu::noinline]] void make_big();
   [[gnu::noinline]] void clone_block();
   [[gnu::noinline]] void release_block();
   [[gnu::noinline]] void normalise_big();
   [[gnu::noinline]] void assign_big(QNumber const& other);
+  [[gnu::noinline]] void take_big(QNumber& other) noexcept;
   [[gnu::noinline]] bool has_big_unit_denominator() const;
   [[gnu::noinline]] Block& room_for_result(QNumber const& a);
   [[gnu::noinline]] void sum_big(QNumber const& a, QNumber const& b, Sign sign);
@@ -395,5 +486,9 @@ QNumber operator/(QNumber const& a, QNumber const& b);
 QNumber abs(QNumber const& q);
 bool operator==(QNumber const& a, QNumber const& b);
 bool operator<(QNumber const& a, QNumber const& b);
+bool operator>(QNumber const& a, QNumber const& b);
+bool operator<=(QNumber const& a, QNumber const& b);
+bool operator>=(QNumber const& a, QNumber const& b);
+void swap(QNumber& a, QNumber& b) noexcept;
 
 }  // namespace zelk

@@ -1,0 +1,108 @@
+#include "cli/demand.h"
+
+#include <gmp.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "zelk/convert/machine.h"
+
+// Only sizes are estimated here. No answer depends on them, so floating point will do.
+
+namespace zelk::cli {
+namespace {
+
+double bits(mpz_srcptr n) { return static_cast<double>(mpz_sizeinbase(n, 2)); }
+
+double bits(QNumber const& q) { return bits(q.numerator()) + bits(q.denominator()); }
+
+/// One number printed with decimals: an integer of so many digits, and its text.
+double decimals(unsigned places) { return 16.0 * places; }
+
+/// The terms asked for, each with what is kept of it. A fraction whose denominator has b bits has
+/// 12 ln 2 / pi^2 * ln 2 * b = 0.584 b terms on the average, by Levy's theorem; twice as many are
+/// taken into account.
+Demand continued_fraction(Query const& query, double size_of_term) {
+  QNumber const& q = query.numbers[0];
+  double const below = bits(q.denominator());
+  double const terms = std::min(below == 1 ? 1 : 1.17 * below + 2, double(query.terms));
+  return {terms * size_of_term, terms * bits(q)};
+}
+
+/// The digits that decide the sign of sin x: a few, or, if x is near a multiple k pi, as many as x
+/// and k pi have in common. A double tells x from k pi unless they agree in six decimals. Then the
+/// worst is assumed: a fraction with the denominator q is hardly ever nearer than 1/q^2 to a number
+/// like k pi.
+double digits_of_sign(QNumber const& q) {
+  double const x = convert::to_double(q, convert::Rounding::nearest);
+  bool const may_be_zero = std::abs(x) > 1 && std::abs(std::remainder(x, std::acos(-1.0))) < 1e-6;
+  return may_be_zero ? 2 * std::log10(2) * bits(q.denominator()) : 6;
+}
+
+/// The series of x = p/q takes n terms, the least n with |x|^n / n! < 10^-digits, and its common
+/// denominator is n! q^n. A stored record holds eight integers of that size. Four more grow from
+/// term to term, by products with p and q.
+/// Short bounds are made of those with one digit more, and of products of as many digits.
+Demand series(Query const& query, double digits, unsigned places) {
+  QNumber const& x = query.numbers[0];
+  bool const is_short = query.kind == Query::shortened;
+  digits += is_short;
+  double const below = bits(x.denominator());
+  double const log_of_x = std::log(2) * (bits(x.numerator()) - below + 1);  // at least ln |x|
+  double const goal = digits * std::log(10);
+  double low = 1;
+  double high = 1e18;
+  while (high > 1.01 * low + 1) {
+    double const middle = std::sqrt(low * high);
+    (std::lgamma(middle + 1) - middle * log_of_x > goal ? high : low) = middle;
+  }
+  double const denominator = high * (below + std::log2(high));
+  double const limbs = std::min(bits(x) / 64, 50.0);  // a longer product costs less for each limb
+  return {8 * denominator + 100 * is_short * digits + 2 * decimals(places),
+          4 * high * denominator * (1 + limbs)};
+}
+
+}  // namespace
+
+Demand demand_of_cf(Query const& query, unsigned) {
+  return continued_fraction(query, 1000);  // a term is held twice, in allocations of its own
+}
+
+Demand demand_of_approx(Query const& query, unsigned places) {
+  auto [held, worked_through] = continued_fraction(query, 1000);
+  return {held + decimals(places), worked_through};
+}
+
+Demand demand_of_convergents(Query const& query, unsigned places) {
+  // Each convergent is held with its distance, and both as text.
+  return continued_fraction(query, 4000 + 10 * bits(query.numbers[0]) + 2 * decimals(places));
+}
+
+Demand demand_of_simplest(Query const& query, unsigned places) {
+  // All steps together are like some tens of products of the two numbers.
+  double const size = bits(query.numbers[0]) + bits(query.numbers[1]);
+  return {20 * size + decimals(places), 1000 * size};
+}
+
+Demand demand_of_exp(Query const& query, unsigned places) {
+  return series(query, *query.digits, places);
+}
+
+Demand demand_of_sine(Query const& query, unsigned places) {
+  double const digits = std::max<double>(*query.digits, digits_of_sign(query.numbers[0]));
+  return series(query, digits, places);
+}
+
+Demand demand_of_pi(Query const& query, unsigned places) {
+  if (query.kind == Query::shortened) {
+    // A sum by splitting, and the simplest ends: some tens of integers with as many digits, and for
+    // each level of the splitting as many products.
+    double const digits = *query.digits;
+    return {600 * (digits + 100) + 2 * decimals(places), 4000 * (digits + 100)};
+  }
+  // Some 1.8 convergents for each digit are kept, each under a key of 34 bits for each digit.
+  double const square = double(*query.digits) * *query.digits;
+  return {1000 * square + 2 * decimals(places), 4000 * square};
+}
+
+}  // namespace zelk::cli

@@ -1,0 +1,253 @@
+#include "cli/functions.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "zelk/approx/best.h"
+#include "zelk/approx/convergents.h"
+#include "zelk/approx/cosine.h"
+#include "zelk/approx/short_bounds.h"
+#include "zelk/approx/simplest.h"
+
+namespace zelk::cli {
+namespace {
+
+using Series = na::PowerSeriesApproximator;
+
+[[noreturn]] void refuse(Query const& query, Word const& word, std::string const& reason) {
+  std::string text = query.function->name;
+  for (auto const& each : query.words)
+    if (each) text += ' ' + std::string(each->text);
+  throw Refusal(Refusal::Kind::unanswerable, word.column, reason, text + ": " + reason);
+}
+
+/// The number in question, and who is asked about it. Of a number in big form all terms are floors.
+/// The tables find a number by its value, so those of the other form are kept apart.
+struct Subject {
+  Subject(Query const& query, Approximators& approximators)
+      : number(query.floor != 0 ? QNumber::big_from_mpz(query.numbers[0].numerator(),
+                                                        query.numbers[0].denominator())
+                                : query.numbers[0]),
+        approximator(query.floor != 0 ? approximators.floored : approximators.rational) {}
+
+  Terms terms(unsigned most) const {
+    auto all = approximator.get_cf(number, most).terms;
+    if (all.size() > most) all.erase(all.begin() + most, all.end());
+    return all;
+  }
+
+  QNumber number;
+  na::RationalApproximator& approximator;
+};
+
+Convergent beside(QNumber const& value, QNumber const& q) {
+  return {value, value < q ? "<" : value == q ? "=" : ">", abs(value - q)};
+}
+
+Answer cf(Query const& query, Approximators& approximators) {
+  return Subject(query, approximators).terms(query.terms);
+}
+
+Answer approx(Query const& query, Approximators& approximators) {
+  Subject const subject(query, approximators);
+  if (query.terms == 0 && !subject.number.is_integer())
+    refuse(query, *query.words[1], "no terms leave no convergent");
+  return subject.approximator.approx(subject.number, query.terms, query.direction);
+}
+
+Answer convergents(Query const& query, Approximators& approximators) {
+  Subject const subject(query, approximators);
+  std::vector<Convergent> all;
+  for (QNumber const& c : na::convergents(subject.terms(query.terms)))
+    all.push_back(beside(c, subject.number));
+  if (all.empty()) all.push_back(beside(subject.number, subject.number));  // zero has no terms
+  return all;
+}
+
+Answer simplest(Query const& query, Approximators&) {
+  auto const &lower = query.numbers[0], &upper = query.numbers[1];
+  if (lower > upper) refuse(query, *query.words[1], "no number lies between, since B is below A");
+  if (query.open != 0 && lower == upper)
+    refuse(query, *query.words[1], "no number lies between, since B is A");
+  return na::simplest_between(lower, upper, query.open != 0 ? na::Ends::open : na::Ends::closed);
+}
+
+Answer best(Query const& query, Approximators&) {
+  auto const find = query.direction < 0   ? na::best_below
+                    : query.direction > 0 ? na::best_above
+                                          : na::best_nearest;
+  auto const &q = query.numbers[0], &limit = query.numbers[1];
+  return Best{beside(find(q, limit), q)};
+}
+
+using SeriesBounds = Bounds (Series::*)(QNumber const& x, unsigned prec);
+using FreeBounds = Bounds (&)(Series& series, QNumber const& x, unsigned prec);
+
+Answer short_bounds(FreeBounds bounds, Query const& query, Approximators& approximators) {
+  if (*query.digits == UINT_MAX)
+    refuse(query, *query.words[1], "too many digits, since short bounds take one more");
+  return bounds(approximators.series, query.numbers[0], *query.digits);
+}
+
+Answer exp(Query const& query, Approximators& approximators) {
+  if (query.kind == Query::shortened)
+    return short_bounds(na::short_exp_bounds, query, approximators);
+  SeriesBounds const bounds = query.kind == Query::derivative ? &Series::maclaurin_exp_der_bounds
+                                                              : &Series::maclaurin_exp_bounds;
+  return (approximators.series.*bounds)(query.numbers[0], *query.digits);
+}
+
+Answer sin(Query const& query, Approximators& approximators) {
+  if (query.kind == Query::shortened)
+    return short_bounds(na::short_sin_bounds, query, approximators);
+  SeriesBounds const bounds = query.kind == Query::derivative ? &Series::maclaurin_sin_der_bounds
+                                                              : &Series::maclaurin_sin_bounds;
+  return (approximators.series.*bounds)(query.numbers[0], *query.digits);
+}
+
+Answer cos(Query const& query, Approximators& approximators) {
+  if (query.kind == Query::shortened)
+    return short_bounds(na::short_cos_bounds, query, approximators);
+  auto& series = approximators.series;
+  auto const& x = query.numbers[0];
+  if (query.kind != Query::derivative) return na::cosine_bounds(series, x, *query.digits);
+  auto const [lower, upper] = series.maclaurin_sin_bounds(x, *query.digits);
+  return Bounds(QNumber(0) - upper, QNumber(0) - lower);
+}
+
+Answer pi(Query const& query, Approximators& approximators) {
+  return query.kind == Query::shortened ? na::short_pi_bounds(*query.digits)
+                                        : approximators.series.machin_pi_bounds(*query.digits);
+}
+
+}  // namespace
+
+std::span<Function const> all_functions() {
+  using Kind = Argument::Kind;
+  Argument const q = {"Q", Kind::number, "A fraction or decimal"};
+  Argument const x = {"X", Kind::number, "A fraction or decimal"};
+  Argument const terms = {"--terms", Kind::terms, "Only the first N"};
+  Argument const digits = {"DIGITS", Kind::digits,
+                           "Decimal digits, which say how close the bounds are"};
+  Flag const floor = {"--floor", &Query::floor, 1,
+                      "Of a negative Q too, split toward minus infinity: all terms but\n"
+                      "the first are positive"};
+  Flag const shortened = {"--short", &Query::kind, Query::shortened,
+                          "Short fractions, as close to each other; not with --derivative"};
+
+  static Function const all[] = {
+      {.name = "cf",
+       .summary = "The continued fraction of Q",
+       .examples =
+           "  zelk cf 415/93            [4; 2, 6, 7]\n"
+           "  zelk cf 415/93 --terms 2  [4; 2]\n"
+           "A negative fraction whose parts fit in 64 bits is split toward zero, -7/2 into\n"
+           "[-3; -2], and with --floor into [-4; 2]; of one that does not fit all terms but the\n"
+           "first are positive.",
+       .arguments = {q, terms},
+       .flags = {floor},
+       .can_be_plotted = false,
+       .demand = demand_of_cf,
+       .solve = cf},
+      {.name = "approx",
+       .summary = "The convergent of Q after TERMS terms of its continued fraction",
+       .examples = "  zelk approx 415/93 2          9/2\n"
+                   "  zelk approx 415/93 2 --lower  58/13",
+       .arguments = {q,
+                     {"TERMS", Kind::terms, "How many terms, at least 1 unless Q is an integer"}},
+       .flags = {{"--lower", &Query::direction, -1,
+                  "The first one from there on that is at most Q; not with --upper"},
+                 {"--upper", &Query::direction, 1,
+                  "The first one from there on that is at least Q; not with --lower"},
+                 floor},
+       .can_be_plotted = false,
+       .demand = demand_of_approx,
+       .solve = approx},
+      {.name = "convergents",
+       .summary = "All convergents of Q, each with its side of Q and its distance",
+       .examples = "  zelk convergents 415/93 --terms 2   4 < 43/93 and 9/2 > 7/186",
+       .arguments = {q, terms},
+       .flags = {floor},
+       .can_be_plotted = false,
+       .demand = demand_of_convergents,
+       .solve = convergents},
+      {.name = "simplest",
+       .summary = "The fraction of least denominator from A to B",
+       .examples = "  zelk simplest 3.14 3.15       22/7\n"
+                   "  zelk simplest 0 1/3 --open    1/4\n"
+                   "Of several integers it is the one nearest to 0.",
+       .arguments = {{"A", Kind::number, "The lower end, a fraction or decimal"},
+                     {"B", Kind::number, "The upper end"}},
+       .flags = {{"--open", &Query::open, 1, "Without A and B themselves"}},
+       .can_be_plotted = false,
+       .demand = demand_of_simplest,
+       .solve = simplest},
+      {.name = "best",
+       .summary = "The fraction nearest to Q with a denominator up to N",
+       .examples =
+           "  zelk best 3.14159265358979 100          311/99\n"
+           "  zelk best 3.14159265358979 100 --upper  22/7\n"
+           "Of two as near it is the one of the smaller denominator, and of two integers the\n"
+           "one nearer to 0. --format both tells its side of Q and its distance too.",
+       .arguments = {q, {"N", Kind::limit, "A whole number of any size, at least 1"}},
+       .flags = {{"--lower", &Query::direction, -1,
+                  "The greatest that is at most Q; not with --upper"},
+                 {"--upper", &Query::direction, 1,
+                  "The least that is at least Q; not with --lower"}},
+       .can_be_plotted = false,
+       .demand = demand_of_simplest,
+       .solve = best},
+      {.name = "exp",
+       .summary = "Bounds of e^X less than 10^-DIGITS apart, one per line",
+       .examples = "  zelk exp 1 20 --short\n"
+                   "  zelk exp -7/2 10 --derivative",
+       .arguments = {x, digits},
+       .flags = {shortened,
+                 {"--derivative", &Query::kind, Query::derivative,
+                  "Companion bounds for the derivative instead, again e^X, of\n"
+                  "any width; the larger comes first if X < 0"}},
+       .can_be_plotted = true,
+       .demand = demand_of_exp,
+       .solve = exp},
+      {.name = "sin",
+       .summary = "Bounds of sin X less than 2*10^-DIGITS apart, one per line",
+       .examples = "  zelk sin 1/2 20 --short\n"
+                   "  zelk sin -3.25 10 --derivative",
+       .arguments = {x, digits},
+       .flags = {shortened,
+                 {"--derivative", &Query::kind, Query::derivative,
+                  "Bounds of the derivative cos X instead, of any width"}},
+       .can_be_plotted = true,
+       .demand = demand_of_sine,
+       .solve = sin},
+      {.name = "cos",
+       .summary = "Bounds of cos X less than 2*10^-DIGITS apart, one per line",
+       .examples = "  zelk cos 1/2 20 --short",
+       .arguments = {x, digits},
+       .flags = {shortened,
+                 {"--derivative", &Query::kind, Query::derivative,
+                  "Bounds of the derivative -sin X instead"}},
+       .can_be_plotted = true,
+       .demand = demand_of_sine,
+       .solve = cos},
+      {.name = "pi",
+       .summary = "Bounds of pi at most 10^-DIGITS apart, one per line",
+       .examples = "  zelk pi 20 --short\n"
+                   "  zelk pi 100000 --short --format decimal",
+       .arguments = {digits},
+       .flags = {{"--short", &Query::kind, Query::shortened,
+                  "Short fractions, as close to each other, and in no time"}},
+       .can_be_plotted = false,
+       .demand = demand_of_pi,
+       .solve = pi},
+  };
+  return all;
+}
+
+Function const* find_function(std::string_view name) {
+  auto const all = all_functions();
+  auto const found = std::ranges::find(all, name, &Function::name);
+  return found == all.end() ? nullptr : &*found;
+}
+
+}  // namespace zelk::cli

@@ -1,0 +1,10 @@
+# For the build of the mutants: what most units include is compiled once, not with each mutant.
+function(precompile)
+  get_property(tests DIRECTORY tests PROPERTY BUILDSYSTEM_TARGETS)
+  list(FILTER tests INCLUDE REGEX "_test$")
+  foreach(test IN LISTS tests ITEMS fuzz_test faults_test)
+    target_precompile_headers(${test} PRIVATE <gmpxx.h> <gtest/gtest.h> <map> <string> <vector>)
+  endforeach()
+  target_precompile_headers(zelk_cli PRIVATE <CLI/CLI.hpp>)
+endfunction()
+cmake_language(DEFER CALL precompile)

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <gmp.h>
+
+namespace zelk::na {
+
+/// pi lies between below/2^bits and (below + chudnovsky_units)/2^bits.
+///
+/// Cost: O(M(bits) log^2 bits), where M(n) is the time of GMP's multiplication; memory linear.
+/// Source: docs/mathematics.md, section 14.
+void sum_chudnovsky(mpz_ptr below, unsigned long bits);
+constexpr unsigned long chudnovsky_units = 4;
+
+}  // namespace zelk::na

@@ -1,0 +1,73 @@
+#include "zelk/approx/internal/convergent_walk.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace zelk::na {
+
+namespace {
+
+/// Whether q is certainly beyond small form.
+bool exceeds_words(QNumber const& q) {
+  return q.is_big() &&
+         (mpz_fits_slong_p(q.numerator()) == 0 || mpz_fits_slong_p(q.denominator()) == 0);
+}
+
+/// [a0; a1, ..., a(count-1)], folded from the back. Requires: 1 <= count <= terms.size().
+QNumber fold(std::vector<QNumber> const& terms, std::size_t count) {
+  assert(1 <= count && count <= terms.size());
+  QNumber r = terms[count - 1];
+  for (std::size_t i = count - 1; i > 0; --i) r = r.inv() + terms[i - 1];
+  return r;
+}
+
+}  // namespace
+
+ConvergentWalk::ConvergentWalk(RationalApproximator& approximator, QNumber const& q, unsigned first)
+    : owner(approximator), key(q, std::max(first, 1U)), is_wide(exceeds_words(q)) {}
+
+QNumber const& ConvergentWalk::next() {
+  if (key.first.is_integer()) return key.first;
+  if (std::exchange(is_under_way, true)) ++key.second;
+  auto const known = owner.approx_cache.find_by(key);
+  return known != owner.approx_cache.end() ? known.node->value.second : compute();
+}
+
+QNumber const& ConvergentWalk::compute() {
+  auto const& [q, prec] = static_cast<std::pair<QNumber const&, unsigned> const&>(key);
+  if (!is_wide) {
+    auto const c = owner.get_cf(q, prec);
+    folded.emplace(fold(c.terms, std::min<std::size_t>(prec, c.terms.size())));
+    // The entry can be an older one, of an equal number in big form, that the growth of the table
+    // has put where this key looks. It stays big: the answer is what was folded.
+    owner.approx_cache.store(key, *folded);
+    return *folded;
+  }
+  // Each convergent after the first would ask for the expansion once more, and offer it to a table
+  // that has it: the load check is what such an offer does.
+  if (recurrence)
+    owner.cf_cache.make_room();
+  else
+    recurrence.emplace(owner.get_cf(q, prec));
+  recurrence->advance(prec);
+  return owner.approx_cache.store(key, QNumber::LowestTerms{recurrence->h, recurrence->k});
+}
+
+void ConvergentWalk::Recurrence::advance(unsigned count) {
+  Integer term;
+  for (; length < count; ++length) {
+    if (length < known.size()) {
+      append(known[length].numerator());
+    } else if (!rest.is_done()) {
+      rest.split(term);
+      append(term);
+    } else {
+      return;
+    }
+  }
+}
+
+}  // namespace zelk::na

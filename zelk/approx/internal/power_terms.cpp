@@ -1,0 +1,69 @@
+#include "zelk/approx/internal/power_terms.h"
+
+#include <cassert>
+
+#include "zelk/approx/internal/common_denominator.h"
+#include "zelk/numbers/internal/leading_bits.h"
+
+namespace zelk::na {
+
+PowerTerms::PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
+                       QNumber const& sum1)
+    : q(x.denominator()), j(index) {
+  assert(!x.is_zero());
+  least_common_denominator(d, term, sum0, sum1);
+  put_over(d, term, t);
+  put_over(d, sum0, sums[0]);
+  put_over(d, sum1, sums[1]);
+}
+
+void PowerTerms::advance(mpz_srcptr above, mpz_srcptr below) {
+  assert(mpz_sgn(above) != 0 && mpz_sgn(below) > 0);
+  ++j;
+  mpz_set(last_above, above);
+  mpz_set(last_below, below);
+  mpz_mul(t, t, above);
+  mpz_mul(d, d, below);
+  for (auto& s : sums) mpz_mul(s, s, below);
+}
+
+void PowerTerms::accumulate(std::size_t i, bool negated) {
+  auto const add = negated ? mpz_sub : mpz_add;
+  add(sums[i], sums[i], t);
+}
+
+bool PowerTerms::term_below(mpz_srcptr reciprocal) {
+  assert(mpz_sgn(reciprocal) > 0);
+  Integer left;
+  Integer right;
+  return compare_products(t, reciprocal, d, IntegerView(1), left, right) < 0;
+}
+
+void PowerTerms::last_term(mpz_ptr numerator) {
+  assert(mpz_sgn(last_above.get()) != 0);
+  mpz_divexact(numerator, t, last_above);
+  mpz_mul(numerator, numerator, last_below);
+}
+
+QNumber PowerTerms::reduced(mpz_srcptr numerator, unsigned missing) const {
+  Integer n(numerator);
+  Integer denominator(d.get());
+  Integer common;
+  auto const cancel = [&] {
+    mpz_divexact(n, n, common);
+    mpz_divexact(denominator, denominator, common);
+  };
+  mpz_pow_ui(common, q, missing);
+  cancel();
+  mpz_primorial_ui(common, j);  // the product of all primes up to j
+  for (;;) {
+    mpz_gcd(common, common, n);
+    mpz_gcd(common, common, denominator);
+    if (mpz_cmp_ui(common.get(), 1) == 0) break;
+    cancel();
+    mpz_mul(common, common, common);  // a prime of x can occur often
+  }
+  return QNumber(QNumber::LowestTerms{n, denominator});
+}
+
+}  // namespace zelk::na
