@@ -31,13 +31,14 @@ class ErrorLine {
   void add_harmless(std::string_view text) {
     constexpr char digits[] = "0123456789abcdef";
     while (!text.empty()) {
-      auto const [character, is_valid] = first_character(text);
-      text.remove_prefix(character.size());
-      auto const byte = [bytes = character](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+      auto const first = first_character(text);
+      std::string_view const bytes = first.bytes;
+      text.remove_prefix(bytes.size());
+      auto const byte = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
       // U+0080 to U+009f begin escape sequences as well.
       bool const is_control =
-          byte(0) < ' ' || byte(0) == 0x7f || (byte(0) == 0xc2 && is_valid && byte(1) < 0xa0);
-      if (is_valid && !is_control) {
+          byte(0) < ' ' || byte(0) == 0x7f || (byte(0) == 0xc2 && first.is_valid && byte(1) < 0xa0);
+      if (first.is_valid && !is_control) {
         add(bytes);
         continue;
       }
