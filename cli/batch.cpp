@@ -130,7 +130,7 @@ class Batch {
     ++queries;
     repeated += item.is_repeated;
     Decimal const line(item.line);
-    if (settings.style.json) print({"{\"line\":", line, ","});
+    if (settings.style.json) print({R"({"line":)", line, ","});
     if (item.is_answered()) {
       put(std::string_view(item.answer).substr(settings.style.json ? 1 : 0));
       put("\n");

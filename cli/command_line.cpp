@@ -318,7 +318,7 @@ int CommandLine::run(int argc, char const* const* argv) {
         if (text.ends_with('='))
           throw CLI::ArgumentMismatch(std::string(text) + " lacks its value");
         auto const end = text.find('=');
-        if (end != text.npos && is_flag(app, text.substr(0, end)))
+        if (end != std::string_view::npos && is_flag(app, text.substr(0, end)))
           throw CLI::ArgumentMismatch(std::string(text.substr(0, end)) + " takes no value");
       }
     if (argc == 2 && given("--man-page")) return put(man_page(app)), 0;

@@ -95,7 +95,7 @@ std::string drawn(std::string const& script) {
     if (error == ENOENT) fail(error, "plots need gnuplot, which cannot be found");
     fail(error, "cannot start gnuplot");
   }
-  std::string const image = read_all(ends[0]);
+  std::string image = read_all(ends[0]);
   close(ends[0]);
   int status = 0;
   while (waitpid(gnuplot, &status, 0) < 0 && errno == EINTR) {

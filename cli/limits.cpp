@@ -61,7 +61,8 @@ double parse_memory(std::string_view text) {
   constexpr std::string_view units = "KMGT";
   auto number = text;
   int exponent = 0;
-  if (auto const unit = text.empty() ? text.npos : units.find(text.back()); unit != text.npos) {
+  if (auto const unit = text.empty() ? std::string_view::npos : units.find(text.back());
+      unit != std::string_view::npos) {
     number.remove_suffix(1);
     exponent = 10 * static_cast<int>(unit + 1);
   }

@@ -86,26 +86,26 @@ struct JsonWriter {
   std::string& object;
 
   void operator()(Terms const& terms) const {
-    object += ",\"terms\":[";
+    object += R"(,"terms":[)";
     for (std::size_t i = 0; i < terms.size(); ++i) {
       if (i != 0) object += ',';
       object += '"' + to_string(terms[i]) + '"';
     }
-    object += terms.empty() ? "\"0\"]" : "]";
+    object += terms.empty() ? R"("0"])" : "]";
   }
 
   void operator()(QNumber const& value) const {
-    append(",\"value\":", value, convert::Rounding::nearest);
+    append(R"(,"value":)", value, convert::Rounding::nearest);
   }
 
   void operator()(Bounds const& bounds) const {
     auto const [lower, upper] = ascending(bounds);
-    append(",\"lower\":", lower, convert::Rounding::down);
-    append(",\"upper\":", upper, convert::Rounding::up);
+    append(R"(,"lower":)", lower, convert::Rounding::down);
+    append(R"(,"upper":)", upper, convert::Rounding::up);
   }
 
   void operator()(std::vector<Convergent> const& convergents) const {
-    char const* before = ",\"convergents\":[{";
+    char const* before = R"(,"convergents":[{)";
     for (Convergent const& convergent : convergents) {
       object += before;
       append_all(convergent);
@@ -121,21 +121,21 @@ struct JsonWriter {
   }
 
   void append_all(Convergent const& convergent) const {
-    append("\"value\":", convergent.value, convert::Rounding::nearest);
-    object.append(",\"side\":\"").append(convergent.side) += '"';
-    append(",\"distance\":", convergent.distance, convert::Rounding::nearest);
+    append(R"("value":)", convergent.value, convert::Rounding::nearest);
+    object.append(R"(,"side":")").append(convergent.side) += '"';
+    append(R"(,"distance":)", convergent.distance, convert::Rounding::nearest);
   }
 
   void append(char const* member, QNumber const& q, convert::Rounding rounding) const {
     auto const text = to_string(q);
     std::string_view const parts = text;
     auto const slash = std::min(parts.find('/'), parts.size());
-    object.append(member).append("{\"numerator\":\"").append(parts.substr(0, slash));
-    object.append("\",\"denominator\":\"");
+    object.append(member).append(R"({"numerator":")").append(parts.substr(0, slash));
+    object.append(R"(","denominator":")");
     object += slash < parts.size() ? parts.substr(slash + 1) : "1";
     if (format != Format::fraction)
-      object.append("\",\"decimal\":\"").append(convert::to_decimal(q, places, rounding));
-    object += "\"}";
+      object.append(R"(","decimal":")").append(convert::to_decimal(q, places, rounding));
+    object += R"("})";
   }
 };
 
@@ -173,7 +173,7 @@ bool shows_only_zeros(Query const& query, Answer const& answer, Style const& sty
 
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,
                     Style const& style) {
-  std::string object = "{\"query\":";
+  std::string object = R"({"query":)";
   append_json_string(object, query_text);
   std::visit(JsonWriter{places_of(query, style), style.format, object}, answer);
   return object += '}';

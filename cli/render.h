@@ -43,11 +43,11 @@ std::string to_json(std::string_view query_text, Query const& query, Answer cons
 template <class Put>
 void write_json_error(std::string_view query_text, std::size_t column, std::string_view reason,
                       Put put) {
-  put("\"query\":");
+  put(R"("query":)");
   write_json_string(query_text, put);
-  put(",\"error\":{\"column\":");
+  put(R"(,"error":{"column":)");
   put(Decimal(column));
-  put(",\"message\":");
+  put(R"(,"message":)");
   write_json_string(reason, put);
   put("}}");
 }
