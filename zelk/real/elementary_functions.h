@@ -1,0 +1,81 @@
+#pragma once
+
+#include <memory>
+
+#include "zelk/config.h"
+#include "zelk/numbers/q_number.h"
+#include "zelk/real/accuracy.h"
+#include "zelk/real/interval.h"
+
+namespace zelk::real {
+
+class Constants;
+
+/// The elementary functions over intervals.
+///
+/// An answer holds every value that the function takes on x. Its ends are within the accuracy asked
+/// for of the least and the greatest such value, and rational numbers that are short for that; of a
+/// point the interval is at most 10^-digits wide, or 10^-digits times the value. A value known to
+/// be rational is given exactly: sqrt(4) is [2, 2] and exp(0) is [1, 1].
+///
+/// A function that is not defined on all of x throws `std::domain_error`: nothing is clipped.
+/// `std::length_error` is thrown, before the work, when a result would have more than `max_bits`
+/// bits, as exp(10^10) would, or its exponent would.
+///
+/// pi and log 2 are kept at the best precision that a call needed, so an object is for one thread
+/// at a time; distinct objects may be used by distinct threads.
+///
+/// Cost: with arguments of usual size and n digits O(M(n) log^2 n), where M(n) is the time of GMP's
+/// multiplication. Exponentials take x modulo log 2 and sines x modulo pi/2 first, so that large
+/// arguments cost no more than their digits. Source: docs/mathematics.md, section 15.
+class ZELK_EXPORT ElementaryFunctions {
+ public:
+  static constexpr double default_max_bits = 4e9;  // half a gigabyte
+
+  explicit ElementaryFunctions(double max_bits = default_max_bits);
+  ElementaryFunctions(ElementaryFunctions const&) = delete;
+  ElementaryFunctions& operator=(ElementaryFunctions const&) = delete;
+  ~ElementaryFunctions();
+
+  Interval exp(Interval const& x, Accuracy accuracy);
+
+  /// The natural logarithm. Throws: std::domain_error unless x > 0.
+  Interval log(Interval const& x, Accuracy accuracy);
+
+  /// Throws: std::domain_error if x holds negative numbers and the degree is even, or if it is 0.
+  /// Roots of odd degree are taken of negative numbers too.
+  Interval root(Interval const& x, unsigned long degree, Accuracy accuracy);
+  Interval sqrt(Interval const& x, Accuracy accuracy) { return root(x, 2, accuracy); }
+
+  /// x to the power of a rational exponent: of integers for every x but 0 to a negative power, of
+  /// fractions for x >= 0, or x > 0 if the exponent is negative. Throws: std::domain_error elsewhere.
+  Interval pow(Interval const& x, QNumber const& exponent, Accuracy accuracy);
+
+  /// x^y as exp(y log x). Throws: std::domain_error unless x > 0.
+  Interval pow(Interval const& x, Interval const& y, Accuracy accuracy);
+
+  Interval sin(Interval const& x, Accuracy accuracy);
+  Interval cos(Interval const& x, Accuracy accuracy);
+
+  /// Throws: std::domain_error if a pole lies in x.
+  Interval tan(Interval const& x, Accuracy accuracy);
+
+  /// Throws: std::domain_error unless -1 <= x <= 1.
+  Interval asin(Interval const& x, Accuracy accuracy);
+  Interval acos(Interval const& x, Accuracy accuracy);
+
+  Interval atan(Interval const& x, Accuracy accuracy);
+  Interval sinh(Interval const& x, Accuracy accuracy);
+  Interval cosh(Interval const& x, Accuracy accuracy);
+  Interval tanh(Interval const& x, Accuracy accuracy);
+
+  Interval pi(Accuracy accuracy);
+
+  double max_bits() const { return most_bits; }
+
+ private:
+  double most_bits;
+  std::unique_ptr<Constants> constants;
+};
+
+}  // namespace zelk::real

@@ -1,0 +1,1 @@
+#include "zelk/real/internal/constants.h"

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <concepts>
+#include <optional>
+#include <utility>
+
+#include "zelk/config.h"
+#include "zelk/numbers/q_number.h"
+
+namespace zelk::real {
+
+/// All real numbers from `lower()` to `upper()`, both included.
+///
+/// An operation gives the smallest interval that holds its results on all pairs of numbers from its
+/// operands, and its ends are exact. Operands are taken to vary independently, so that x - x is an
+/// interval round 0, and not 0, unless x is a point.
+class ZELK_EXPORT Interval {
+ public:
+  /// A point: [number, number]. Machine integers convert as they do to `QNumber`.
+  template <class T>
+  requires(std::convertible_to<T, QNumber>) Interval(T&& number)
+      : low(std::forward<T>(number)), high(low) {}
+
+  /// [lower, upper]. Throws: std::domain_error if lower > upper.
+  Interval(QNumber lower, QNumber upper);
+
+  QNumber const& lower() const ZELK_LIFETIMEBOUND { return low; }
+  QNumber const& upper() const ZELK_LIFETIMEBOUND { return high; }
+
+  bool is_point() const { return low == high; }
+  bool contains(QNumber const& number) const { return !(number < low) && !(high < number); }
+  bool contains(Interval const& other) const { return !(other.low < low) && !(high < other.high); }
+
+  /// 1 if all of its numbers are positive, -1 if all are negative, otherwise 0.
+  int sign() const { return low.sign() > 0 ? 1 : high.sign() < 0 ? -1 : 0; }
+
+  QNumber width() const { return high - low; }
+  QNumber midpoint() const;
+
+  friend bool operator==(Interval const& a, Interval const& b) {
+    return a.low == b.low && a.high == b.high;
+  }
+
+  Interval operator-() const { return {-high, -low}; }
+  friend ZELK_EXPORT Interval operator+(Interval const& a, Interval const& b);
+  friend ZELK_EXPORT Interval operator-(Interval const& a, Interval const& b);
+  friend ZELK_EXPORT Interval operator*(Interval const& a, Interval const& b);
+
+  /// Throws: std::domain_error if b holds 0.
+  friend ZELK_EXPORT Interval operator/(Interval const& a, Interval const& b);
+
+ private:
+  QNumber low;
+  QNumber high;
+};
+
+/// The powers of x's numbers: [-2, 1]^2 is [0, 4]. x^0 is 1.
+/// Throws: std::domain_error if the exponent is negative and x holds 0.
+ZELK_EXPORT Interval pow(Interval const& x, long exponent);
+
+/// The smallest interval that holds both.
+ZELK_EXPORT Interval hull(Interval const& a, Interval const& b);
+
+/// What both hold; nothing if they are apart.
+ZELK_EXPORT std::optional<Interval> intersection(Interval const& a, Interval const& b);
+
+}  // namespace zelk::real
