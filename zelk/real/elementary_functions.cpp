@@ -90,8 +90,8 @@ Value enclose(Goal const& goal, At const& at, long magnitude = 0) {
 
 /// The interval from the least value to the greatest, with short ends.
 Interval shorten(Value const& least, Value const& greatest) {
-  auto [lower, upper] = na::shortened({least.bounds.lower(), greatest.bounds.upper()}, least.slack,
-                                      greatest.slack);
+  auto [lower, upper] =
+      na::shortened({least.bounds.lower(), greatest.bounds.upper()}, least.slack, greatest.slack);
   return {std::move(lower), std::move(upper)};
 }
 
@@ -104,22 +104,18 @@ Interval monotone_image(Interval const& x, bool grows, ValueAt const& value_at) 
   return grows ? shorten(at_lower, at_upper) : shorten(at_upper, at_lower);
 }
 
+/// What |x| takes: all that an even function depends on.
+Interval magnitudes(Interval const& x) {
+  auto const [nearest, farthest] = std::minmax({abs(x.lower()), abs(x.upper())});
+  return {x.contains(0) ? 0 : nearest, farthest};
+}
+
 Value const& lesser(Value const& a, Value const& b) {
   return b.bounds.lower() < a.bounds.lower() ? b : a;
 }
 
 Value const& greater(Value const& a, Value const& b) {
   return a.bounds.upper() < b.bounds.upper() ? b : a;
-}
-
-/// About log2 e^x, kept within +-2^62.
-long exponent_of_exp(QNumber const& x) {
-  static QNumber const log2_e(6497320848556798092, 1L << 62);
-  static QNumber const bound(1L << 62);
-  auto const exponent = floor(x * log2_e);
-  if (bound < exponent) return 1L << 62;
-  if (exponent < -bound) return -(1L << 62);
-  return exponent.small_numerator();
 }
 
 /// Which multiples of pi/2 lie in x: those from `first` to `last`, counted from 0.
@@ -252,11 +248,7 @@ Interval ElementaryFunctions::sinh(Interval const& x, Accuracy accuracy) {
 
 Interval ElementaryFunctions::cosh(Interval const& x, Accuracy accuracy) {
   Goal const goal(accuracy, most_bits);
-  // Even, and least at 0: of numbers on both sides the greatest magnitude decides.
-  bool const holds_zero = x.contains(0);
-  QNumber const farthest = std::max(abs(x.lower()), abs(x.upper()));
-  QNumber const nearest = holds_zero ? 0 : std::min(abs(x.lower()), abs(x.upper()));
-  return monotone_image({nearest, farthest}, true, [&](QNumber const& point) {
+  return monotone_image(magnitudes(x), true, [&](QNumber const& point) {
     auto const at = [&](long bits) { return cosh_at(point, bits, *constants); };
     return enclose(goal, at, exponent_of_exp(point));
   });
@@ -267,6 +259,42 @@ Interval ElementaryFunctions::tanh(Interval const& x, Accuracy accuracy) {
   return monotone_image(x, true, [&](QNumber const& point) {
     return enclose(goal, [&](long bits) { return tanh_at(point, bits, *constants); });
   });
+}
+
+Interval ElementaryFunctions::pow(Interval const& x, QNumber const& exponent, Accuracy accuracy) {
+  if (exponent.is_zero()) return 1;
+  bool const is_negative = exponent.sign() < 0;
+  bool const is_odd = mpz_odd_p(exponent.numerator().get()) != 0;
+  if (!exponent.is_integer() && x.lower().sign() < 0)
+    refuse("fractional power of what is negative");
+  if (is_negative && x.contains(0)) refuse("negative power of 0");
+  Goal const goal(accuracy, most_bits);
+  auto const value_at = [&](QNumber const& point) {
+    if (point.is_zero()) return exactly(0);
+    auto const size = abs(point);
+    auto const at = [&](long bits) {
+      auto const power = pow_at(size, exponent, bits, *constants);
+      return point.sign() < 0 && is_odd ? -power : power;
+    };
+    return enclose(goal, at, exponent_of_pow(size, exponent, *constants));
+  };
+  bool const is_even = exponent.is_integer() && !is_odd;
+  return monotone_image(is_even ? magnitudes(x) : x, !is_negative, value_at);
+}
+
+Interval ElementaryFunctions::pow(Interval const& x, Interval const& y, Accuracy accuracy) {
+  if (y.is_point()) return pow(x, y.lower(), accuracy);
+  if (x.lower().sign() <= 0) refuse("power of what is not positive");
+  Goal const goal(accuracy, most_bits);
+  auto const value_at = [&](QNumber const& base, QNumber const& exponent) {
+    auto const at = [&](long bits) { return pow_at(base, exponent, bits, *constants); };
+    return enclose(goal, at, exponent_of_pow(base, exponent, *constants));
+  };
+  // y log x is bilinear, so that it is least and greatest at the corners.
+  Value const corners[] = {value_at(x.lower(), y.lower()), value_at(x.lower(), y.upper()),
+                           value_at(x.upper(), y.lower()), value_at(x.upper(), y.upper())};
+  return shorten(lesser(lesser(corners[0], corners[1]), lesser(corners[2], corners[3])),
+                 greater(greater(corners[0], corners[1]), greater(corners[2], corners[3])));
 }
 
 Interval ElementaryFunctions::pi(Accuracy accuracy) {

@@ -48,7 +48,8 @@ class ZELK_EXPORT ElementaryFunctions {
   Interval sqrt(Interval const& x, Accuracy accuracy) { return root(x, 2, accuracy); }
 
   /// x to the power of a rational exponent: of integers for every x but 0 to a negative power, of
-  /// fractions for x >= 0, or x > 0 if the exponent is negative. Throws: std::domain_error elsewhere.
+  /// fractions for x >= 0, or x > 0 if the exponent is negative. Throws: std::domain_error
+  /// elsewhere.
   Interval pow(Interval const& x, QNumber const& exponent, Accuracy accuracy);
 
   /// x^y as exp(y log x). Throws: std::domain_error unless x > 0.
