@@ -11,6 +11,7 @@
 
 #include "tests/support/random_number.h"
 #include "tests/support/text_form.h"
+#include "zelk/numbers/functions.h"
 
 namespace zelk::real {
 namespace {
@@ -192,6 +193,57 @@ TEST(ElementaryFunctions, EncloseTheirImages) {
              relative ? Accuracy::relative(digits) : Accuracy(digits));
     }
   }
+}
+
+TEST(ElementaryFunctions, GiveRationalValuesExactly) {
+  ElementaryFunctions f;
+  QNumber const half(1, 2);
+  for (Accuracy const accuracy : {Accuracy(3), Accuracy::relative(3)}) {
+    EXPECT_EQ(f.exp(0, accuracy), 1);
+    EXPECT_EQ(f.log(1, accuracy), 0);
+    EXPECT_EQ(f.sqrt({{9, 16}, 4}, accuracy), Interval({3, 4}, 2));
+    EXPECT_EQ(f.root({-27, 0}, 3, accuracy), Interval(-3, 0));
+    EXPECT_EQ(f.acos(1, accuracy), 0);
+    EXPECT_EQ(f.cos({-1, 7}, accuracy), Interval(-1, 1));
+    EXPECT_EQ(f.cos({0, 1}, accuracy).upper(), 1);
+    EXPECT_EQ(f.cosh({-1, 1}, accuracy).lower(), 1);
+    EXPECT_EQ(f.pow({-2, 1}, 2, accuracy), Interval(0, 4));
+    EXPECT_EQ(f.pow({-2, -1}, -3, accuracy), Interval(-1, {-1, 8}));
+    EXPECT_EQ(f.pow({-2, 3}, 0, accuracy), 1);
+    EXPECT_EQ(f.pow({0, 4}, QNumber(3, 2), accuracy), Interval(0, 8));
+    EXPECT_EQ(f.pow({4, 9}, -half, accuracy), Interval({1, 3}, half));
+    EXPECT_EQ(f.pow({half, 4}, {-half, 2}, accuracy).upper(), 16);
+    EXPECT_EQ(f.pow({{1, 4}, 4}, {-half, 2}, accuracy).lower(), QNumber(1, 16));
+  }
+}
+
+// 2^x = e^(x log 2), by an exponent whose root and power would be large, and one for which they are
+// not taken.
+TEST(ElementaryFunctions, RaiseToFractionsByRootsAndByLogarithms) {
+  ElementaryFunctions f;
+  for (QNumber const& y : {QNumber(1, 3), QNumber(-7, 5), QNumber(100001, 99999), QNumber(9999, 2)})
+    for (Accuracy const accuracy : {Accuracy(30), Accuracy::relative(30)}) {
+      auto const power = f.pow(2, y, accuracy);
+      auto const log = f.log(power, 40);
+      EXPECT_TRUE(log.contains((y * f.log(2, 60)).midpoint())) << test::show(y);
+      auto const unit = zelk::pow(QNumber(10), -30);
+      EXPECT_LE(power.width(), accuracy.is_relative() ? unit * power.upper() : unit);
+    }
+}
+
+TEST(ElementaryFunctions, RefuseWhatIsNotDefinedOrTooLong) {
+  ElementaryFunctions f(1e6);
+  QNumber const million(1000000);
+  EXPECT_TRUE(refuses([&] { f.root(2, 0, 5); }));
+  EXPECT_TRUE(refuses([&] { f.pow({0, 1}, -1, 5); }));
+  EXPECT_TRUE(refuses([&] { f.pow({-1, 1}, QNumber(1, 3), 5); }));
+  EXPECT_TRUE(refuses([&] { f.pow({0, 1}, {1, 2}, 5); }));
+  EXPECT_TRUE(refuses([&] { f.tan({1, 2}, 5); }));
+  EXPECT_THROW(f.exp(million, 5), std::length_error);
+  EXPECT_THROW(f.exp(-million, Accuracy::relative(5)), std::length_error);
+  EXPECT_THROW(f.cosh(-million * million * million * million, 5), std::length_error);
+  EXPECT_THROW(f.sin(1, 1'000'000), std::length_error);
+  EXPECT_LE(f.exp(-million * million * million * million, 5).upper(), QNumber(1, 100000));
 }
 
 }  // namespace

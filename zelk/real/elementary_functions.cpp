@@ -261,7 +261,7 @@ Interval ElementaryFunctions::tanh(Interval const& x, Accuracy accuracy) {
   });
 }
 
-Interval ElementaryFunctions::pow(Interval const& x, QNumber const& exponent, Accuracy accuracy) {
+Interval ElementaryFunctions::power(Interval const& x, QNumber const& exponent, Accuracy accuracy) {
   if (exponent.is_zero()) return 1;
   bool const is_negative = exponent.sign() < 0;
   bool const is_odd = mpz_odd_p(exponent.numerator().get()) != 0;
@@ -283,7 +283,7 @@ Interval ElementaryFunctions::pow(Interval const& x, QNumber const& exponent, Ac
 }
 
 Interval ElementaryFunctions::pow(Interval const& x, Interval const& y, Accuracy accuracy) {
-  if (y.is_point()) return pow(x, y.lower(), accuracy);
+  if (y.is_point()) return power(x, y.lower(), accuracy);
   if (x.lower().sign() <= 0) refuse("power of what is not positive");
   Goal const goal(accuracy, most_bits);
   auto const value_at = [&](QNumber const& base, QNumber const& exponent) {
