@@ -117,10 +117,12 @@ CLI::Option* add_option(CLI::App& to, std::string const& name, std::string& text
       ->type_name(type);
 }
 
-/// CLI11 would take -.5 for an option. With a blank in front it passes, and the blank counts for
-/// nothing in a number.
+/// CLI11 would take -.5, -pi and -(1 - e) for options. With a blank in front they pass, and the
+/// blank counts for nothing in a number or an expression.
 bool is_disguised(std::string_view word) {
-  return word.starts_with(" -.") && word.size() > 3 && word[3] >= '0' && word[3] <= '9';
+  if (!word.starts_with(" -") || word.size() < 3 || word == " -h") return false;
+  constexpr std::string_view others = "-o0123456789";
+  return others.find(word[2]) == others.npos;
 }
 
 CommandLine::CommandLine() {
@@ -268,9 +270,10 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
     if (argument.is_option()) line += ' ' + argument.name;
     std::string_view text = given.front();
     if (is_disguised(text)) text.remove_prefix(1);
-    query.words.back() = Word{text, line.size() + 2};
-    line += ' ';
-    line += query.words.back()->text;
+    std::string_view const quote = text.find_first_of(" \t") == text.npos ? "" : "'";
+    line.append(" ").append(quote);
+    query.words.back() = Word{text, line.size() + 1};
+    line.append(text).append(quote);
   }
   for (auto const& flag : function.flags)
     if (command.count(flag.name) != 0) {
@@ -292,7 +295,7 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
     print({settings.style.json ? to_json(line, query, answer, settings.style)
                                : to_text(query, answer, settings.style, "\n", "\n"),
            "\n"});
-    if (shows_only_zeros(query, answer, settings.style)) complain({only_zeros});
+    if (auto const* const note = note_on(query, answer, settings.style)) complain({note});
     return 0;
   } catch (Refusal const& refusal) {
     if (settings.style.json) {

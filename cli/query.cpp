@@ -6,6 +6,7 @@
 
 #include "cli/functions.h"
 #include "zelk/convert/text.h"
+#include "zelk/real/parse.h"
 
 namespace zelk::cli {
 namespace {
@@ -23,6 +24,12 @@ class Words {
   std::optional<Word> next() {
     auto const begin = line.find_first_not_of(blanks, position);
     if (begin == std::string_view::npos) return std::nullopt;
+    if (char const quote = line[begin]; quote == '"' || quote == '\'') {
+      auto const end = line.find(quote, begin + 1);
+      if (end == std::string_view::npos) refuse({line.substr(begin), begin + 1}, "an open quote");
+      position = end + 1;
+      return Word{line.substr(begin + 1, end - begin - 1), begin + 2};
+    }
     position = std::min(line.find_first_of(blanks, begin), line.size());
     return Word{line.substr(begin, position - begin), begin + 1};
   }
@@ -85,6 +92,35 @@ void read_argument(Word const& word, Query& query) {
   refuse(word, "unexpected argument");
 }
 
+/// Whether a text that is no number was probably meant to be one: a sign, digits and points, an
+/// exponent, a slash and a denominator.
+bool resembles_number(std::string_view text) {
+  auto const skip = [&](std::string_view characters) {
+    text.remove_prefix(std::min(text.find_first_not_of(characters), text.size()));
+  };
+  skip(" \t");
+  if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
+  auto const size = text.size();
+  skip("0123456789.");
+  if (text.size() == size) return text.empty();
+  if (text.starts_with('e') || text.starts_with('E')) {
+    text.remove_prefix(1);
+    if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
+    skip("0123456789");
+  }
+  if (text.starts_with('/')) skip("/-0123456789");
+  skip(" \t");
+  return text.empty();
+}
+
+/// A number, or an expression.
+void read_value(Word const& word, Query& query) {
+  if (resembles_number(word.text))
+    query.numbers.push_back(parse_number(word));
+  else
+    query.expressions.push_back(parse_expression(word));
+}
+
 }  // namespace
 
 Query parse_query(std::string_view line) {
@@ -118,6 +154,12 @@ void parse_words(Query& query) {
     switch (argument.kind) {
       case Argument::Kind::number:
         query.numbers.push_back(parse_number(word));
+        break;
+      case Argument::Kind::value:
+        read_value(word, query);
+        break;
+      case Argument::Kind::expression:
+        query.expressions.push_back(parse_expression(word));
         break;
       case Argument::Kind::limit: {
         QNumber const limit = parse_number(word);
@@ -170,6 +212,15 @@ QNumber parse_number(Word const& word) {
     std::string const reason(error.reason());
     throw Refusal(Refusal::Kind::malformed, word.column + column - 1, reason,
                   convert::ParseError(word.text, column, reason).what());
+  }
+}
+
+real::Expression parse_expression(Word const& word) {
+  try {
+    return real::parse_expression(word.text);
+  } catch (convert::ParseError const& error) {
+    throw Refusal(Refusal::Kind::malformed, word.column + error.column() - 1,
+                  std::string(error.reason()), error.what());
   }
 }
 
