@@ -292,8 +292,7 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
     print({settings.style.json ? to_json(line, query, answer, settings.style)
                                : to_text(query, answer, settings.style, "\n", "\n"),
            "\n"});
-    if (shows_only_zeros(query, answer, settings.style))
-      complain({"all digits shown are zeros; --digits-out or more DIGITS may show others"});
+    if (shows_only_zeros(query, answer, settings.style)) complain({only_zeros});
     return 0;
   } catch (Refusal const& refusal) {
     if (settings.style.json) {

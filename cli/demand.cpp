@@ -19,6 +19,11 @@ double bits(QNumber const& q) { return bits(q.numerator()) + bits(q.denominator(
 /// One number printed with decimals: an integer of so many digits, and its text.
 double decimals(unsigned places) { return 16.0 * places; }
 
+/// Somewhat less than ln n!, by Stirling's formula. (`std::lgamma` is not for several threads.)
+double log_of_factorial(double n) {
+  return n * (std::log(n) - 1) + std::log(2 * std::acos(-1.0) * n) / 2;
+}
+
 /// The terms asked for, each with what is kept of it. A fraction whose denominator has b bits has
 /// 12 ln 2 / pi^2 * ln 2 * b = 0.584 b terms on the average, by Levy's theorem; twice as many are
 /// taken into account.
@@ -54,7 +59,7 @@ Demand series(Query const& query, double digits, unsigned places) {
   double high = 1e18;
   while (high > 1.01 * low + 1) {
     double const middle = std::sqrt(low * high);
-    (std::lgamma(middle + 1) - middle * log_of_x > goal ? high : low) = middle;
+    (log_of_factorial(middle) - middle * log_of_x > goal ? high : low) = middle;
   }
   double const denominator = high * (below + std::log2(high));
   double const limbs = std::min(bits(x) / 64, 50.0);  // a longer product costs less for each limb

@@ -156,6 +156,11 @@ std::string to_text(Query const& query, Answer const& answer, Style const& style
 bool shows_only_zeros(Query const& query, Answer const& answer, Style const& style) {
   if (style.format == Format::fraction) return false;
   auto const vanishes = [places = places_of(query, style)](QNumber const& q) {
+    if (q.is_zero()) return true;
+    // Most numbers are at least 8^-places, by their sizes alone.
+    if (mpz_sizeinbase(q.numerator(), 2) + std::size_t{3} * places >
+        mpz_sizeinbase(q.denominator(), 2))
+      return false;
     if (QNumber const size = abs(q); size < 1)
       return convert::to_decimal(size, places, convert::Rounding::down).find_first_not_of("0.") ==
              std::string::npos;

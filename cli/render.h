@@ -34,6 +34,10 @@ std::string to_text(Query const& query, Answer const& answer, Style const& style
 /// rounded outward.
 bool shows_only_zeros(Query const& query, Answer const& answer, Style const& style);
 
+/// What is told then.
+constexpr char only_zeros[] =
+    "all digits shown are zeros; --digits-out or more DIGITS may show others";
+
 /// The answer as a JSON object on one line. Bytes that are no UTF-8 are replaced.
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,
                     Style const& style);

@@ -10,7 +10,7 @@
 #include "zelk/numbers/functions.h"
 #include "zelk/real/internal/composed_functions.h"
 #include "zelk/real/internal/constants.h"
-#include "zelk/real/internal/outward.h"
+#include "zelk/real/internal/fixed_point.h"
 #include "zelk/real/internal/point_functions.h"
 
 namespace zelk::real {
@@ -62,18 +62,18 @@ struct Value {
 /// What is known exactly is given exactly.
 Value exactly(QNumber value) { return {std::move(value), {}}; }
 
-/// The value that `at` encloses to any number of bits. `magnitude` may be any guess of its binary
-/// exponent: a good one saves work, and a great one is needed where the value is great.
+/// The value that `at` encloses to any number of bits. `exponent` may be any guess of its binary
+/// one: a good one saves work, and a great one is needed where the value is great.
 template <class At>
-Value enclose(Goal const& goal, At const& at, long magnitude = 0) {
+Value enclose(Goal const& goal, At const& at, long exponent = 0) {
   long bits = goal.tolerance_bits();
   if (!goal.is_relative()) {
-    goal.require_room(static_cast<double>(bits) + static_cast<double>(magnitude));
+    goal.require_room(static_cast<double>(bits) + static_cast<double>(exponent));
     auto bounds = at(bits);
     return {bounds, bounds.is_point() ? QNumber() : goal.slack()};
   }
-  goal.require_room(static_cast<double>(bits) + std::abs(static_cast<double>(magnitude)));
-  for (long more = bits + 64, needed = bits - magnitude;; more *= 2) {
+  goal.require_room(static_cast<double>(bits) + std::abs(static_cast<double>(exponent)));
+  for (long more = bits + 64, needed = bits - exponent;; more *= 2) {
     auto bounds = at(needed);
     if (bounds.is_point()) return {std::move(bounds), {}};
     if (bounds.sign() == 0) {  // more bits than the value has zeros
@@ -82,7 +82,7 @@ Value enclose(Goal const& goal, At const& at, long magnitude = 0) {
       continue;
     }
     auto const& nearest = bounds.sign() > 0 ? bounds.lower() : bounds.upper();
-    long const enough = bits - magnitude_of(nearest);
+    long const enough = bits - (magnitude(nearest) - 2);
     if (needed >= enough) return {bounds, abs(nearest) * goal.slack()};
     needed = enough;
   }
@@ -188,7 +188,7 @@ Interval ElementaryFunctions::root(Interval const& x, unsigned long degree, Accu
       auto const magnitude = root_at(abs(point), degree, bits);
       return point.sign() < 0 ? -magnitude : magnitude;
     };
-    return enclose(goal, at, magnitude_of(point) / static_cast<long>(degree));
+    return enclose(goal, at, magnitude(point) / static_cast<long>(degree));
   });
 }
 
@@ -261,7 +261,7 @@ Interval ElementaryFunctions::tanh(Interval const& x, Accuracy accuracy) {
   });
 }
 
-Interval ElementaryFunctions::pow(Interval const& x, QNumber const& exponent, Accuracy accuracy) {
+Interval ElementaryFunctions::power(Interval const& x, QNumber const& exponent, Accuracy accuracy) {
   if (exponent.is_zero()) return 1;
   bool const is_negative = exponent.sign() < 0;
   bool const is_odd = mpz_odd_p(exponent.numerator().get()) != 0;
@@ -283,7 +283,7 @@ Interval ElementaryFunctions::pow(Interval const& x, QNumber const& exponent, Ac
 }
 
 Interval ElementaryFunctions::pow(Interval const& x, Interval const& y, Accuracy accuracy) {
-  if (y.is_point()) return pow(x, y.lower(), accuracy);
+  if (y.is_point()) return power(x, y.lower(), accuracy);
   if (x.lower().sign() <= 0) refuse("power of what is not positive");
   Goal const goal(accuracy, most_bits);
   auto const value_at = [&](QNumber const& base, QNumber const& exponent) {

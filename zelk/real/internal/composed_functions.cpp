@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "zelk/numbers/functions.h"
+#include "zelk/real/internal/fixed_point.h"
 #include "zelk/real/internal/outward.h"
 #include "zelk/real/internal/point_functions.h"
 
@@ -12,7 +13,7 @@ namespace zelk::real {
 namespace {
 
 bool is_narrow(Interval const& x, long bits) {
-  return !(dyadic(IntegerView(1L), -bits) < x.width());
+  return !(dyadic(IntegerView(1L), bits) < x.width());
 }
 
 long bits_of(QNumber const& q) {
@@ -37,7 +38,7 @@ std::optional<long> small_exponent(QNumber const& base, QNumber const& exponent,
 /// e^(y log x).
 Interval pow_by_logarithm(QNumber const& x, QNumber const& y, long bits, Constants& constants) {
   // The error of y log x times x^y.
-  long const factors = std::max(0L, exponent_of_pow(x, y, constants)) + magnitude_of(y);
+  long const factors = std::max(0L, exponent_of_pow(x, y, constants)) + magnitude(y);
   for (long more = 6;; more *= 2) {
     auto const log = log_at(x, std::max(0L, bits + factors) + more, constants);
     auto const exponent = y * log;
@@ -65,7 +66,7 @@ Interval tan_at(QNumber const& x, long bits, Constants& constants) {
     auto const tan = quotient_outward(sin, cos, bits + 2);
     if (is_narrow(tan, bits)) return tan;
     // The slope of the tangent is 1/cos^2.
-    working_bits += 2 - 2 * std::min(0L, magnitude_of(cos.lower()));
+    working_bits += 2 - 2 * std::min(0L, magnitude(cos.lower()) - 2);
   }
 }
 

@@ -1,8 +1,9 @@
 #include "zelk/real/internal/outward.h"
 
-#include <algorithm>
+#include <gmp.h>
 
 #include "zelk/numbers/integer.h"
+#include "zelk/real/internal/fixed_point.h"
 
 namespace zelk::real {
 
@@ -18,27 +19,10 @@ QNumber divided(decltype(mpz_fdiv_q)* divide, QNumber const& a, QNumber const& b
   else
     mpz_mul_2exp(d, d, static_cast<unsigned long>(-bits));
   divide(n, n, d);
-  return dyadic(n, -bits);
+  return dyadic(n, bits);
 }
 
 }  // namespace
-
-long magnitude_of(QNumber const& q) {
-  auto const size = [](mpz_srcptr n) { return static_cast<long>(mpz_sizeinbase(n, 2)); };
-  return size(q.numerator()) - size(q.denominator()) - 1;
-}
-
-QNumber dyadic(mpz_srcptr mantissa, long exponent) {
-  Integer n, d(1UL);
-  if (exponent >= 0) {
-    mpz_mul_2exp(n, mantissa, static_cast<unsigned long>(exponent));
-  } else if (mpz_sgn(mantissa) != 0) {
-    auto const common = std::min(mpz_scan1(mantissa, 0), static_cast<unsigned long>(-exponent));
-    mpz_tdiv_q_2exp(n, mantissa, common);
-    mpz_mul_2exp(d, d, static_cast<unsigned long>(-exponent) - common);
-  }
-  return QNumber::from_lowest_terms({n, d});
-}
 
 Interval quotient_outward(Interval const& a, Interval const& b, long bits) {
   auto const& least_divisor = a.lower().sign() < 0 ? b.lower() : b.upper();
