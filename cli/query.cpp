@@ -92,33 +92,29 @@ void read_argument(Word const& word, Query& query) {
   refuse(word, "unexpected argument");
 }
 
-/// Whether a text that is no number was probably meant to be one: a sign, digits and points, an
-/// exponent, a slash and a denominator.
-bool resembles_number(std::string_view text) {
-  auto const skip = [&](std::string_view characters) {
-    text.remove_prefix(std::min(text.find_first_not_of(characters), text.size()));
-  };
-  skip(" \t");
-  if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
-  auto const size = text.size();
-  skip("0123456789.");
-  if (text.size() == size) return text.empty();
-  if (text.starts_with('e') || text.starts_with('E')) {
-    text.remove_prefix(1);
-    if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
-    skip("0123456789");
+/// Whether a text has what only an expression has: a name, a parenthesis or bracket, or an operator
+/// other than the slash and the signs of a number. All else is read as a number.
+bool is_expression(std::string_view text) {
+  constexpr std::string_view digits = "0123456789.";
+  constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  char before = '\0';  // the last character that is no blank
+  for (char const c : text) {
+    if (c == ' ' || c == '\t') continue;
+    bool const follows_digit = digits.find(before) != std::string_view::npos;
+    if (std::string_view("()[]*^").find(c) != std::string_view::npos) return true;
+    if ((c == '+' || c == '-') && follows_digit) return true;
+    if (letters.find(c) != std::string_view::npos && !follows_digit) return true;
+    before = c;
   }
-  if (text.starts_with('/')) skip("/-0123456789");
-  skip(" \t");
-  return text.empty();
+  return false;
 }
 
 /// A number, or an expression.
 void read_value(Word const& word, Query& query) {
-  if (resembles_number(word.text))
-    query.numbers.push_back(parse_number(word));
-  else
+  if (is_expression(word.text))
     query.expressions.push_back(parse_expression(word));
+  else
+    query.numbers.push_back(parse_number(word));
 }
 
 }  // namespace
