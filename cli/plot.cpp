@@ -156,9 +156,10 @@ void plot_expression(PlotOptions const& options, Settings const& settings) {
                   convert::quoted(options.expression) + ": not defined anywhere in the range");
   script +=
       "END\nset xlabel 'x'\nset key above noenhanced\n"
-      "plot $bounds using 1:2:3 with filledcurves lc rgb '#1f6f9f' title " +
+      "plot $bounds using 1:2:3 with filledcurves lc rgb '#9ec9e2' title " +
       quoted_for_gnuplot(options.expression.size() <= 60 ? options.expression : "the expression") +
-      '\n';
+      ", '' using 1:2 with lines lc rgb '#1f6f9f' notitle, "
+      "'' using 1:3 with lines lc rgb '#1f6f9f' notitle\n";
   draw_by_gnuplot(script, options.file);
   if (drawn < steps)
     complain({Decimal(steps - drawn), " of ", Decimal(steps),
