@@ -26,7 +26,8 @@ void Answers::answer(Item& item) {
 
 void Answers::look_up_or_compute(Item& item) {
   if (auto const known = finished.find(item.query); known != finished.end()) {
-    item.answer = known->second;
+    item.answer = known->second.answer;
+    item.note = known->second.note;
     item.is_repeated = true;
     return;
   }
@@ -54,6 +55,7 @@ void Answers::compute(Item& item) {
   Answer const answer = solver.answer_within(share - kept, query, bits);
   item.answer = style.json ? to_json(item.query, query, answer, style)
                            : to_text(query, answer, style, " ", "; ");
+  item.note = note_on(query, answer, style);
 }
 
 void Answers::keep(Item const& item) {
@@ -62,7 +64,7 @@ void Answers::keep(Item const& item) {
   // The tables have the other half.
   if (kept + more > share / 2) let_go();
   if (more > share / 2) return;
-  finished.emplace(item.query, item.answer);
+  finished.emplace(item.query, Finished{item.answer, item.note});
   kept += more;
 }
 

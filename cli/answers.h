@@ -22,6 +22,7 @@ struct Item {
   std::string answer;  // or the reason why there is none
   std::string_view reason;
   std::size_t offending_column = 1;  // in the query
+  char const* note = nullptr;        // to be told beside the answer
   bool is_repeated = false;
   bool is_last = false;  // the command cannot go on
 
@@ -44,6 +45,11 @@ class Answers : public Reserve {
   bool let_go() override;
 
  private:
+  struct Finished {
+    std::string answer;
+    char const* note;
+  };
+
   struct TextHash : std::hash<std::string_view> {
     using is_transparent = void;
   };
@@ -56,7 +62,7 @@ class Answers : public Reserve {
   Settings const& settings;
   double const share;
   Solver solver{settings.limits};
-  std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> finished;
+  std::unordered_map<std::string, Finished, TextHash, std::equal_to<>> finished;
   double kept = 0;  // by them, in bits
 };
 

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <span>
@@ -54,7 +53,9 @@ class Batch {
       print_by_lines();
       unsigned const jobs =
           options.jobs != 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
-      jobs == 1 ? run_alone() : run_with_crew(jobs);
+      // First of all its buffer, which has to have a place whatever workers there will be.
+      Lines lines(options.file, [this] { return get_ready_to_wait(); });
+      jobs == 1 ? run_alone(lines) : run_with_crew(lines, jobs);
       flush_output();
     }
     tell_statistics();
@@ -64,53 +65,58 @@ class Batch {
  private:
   using Clock = std::chrono::steady_clock;
 
-  void run_alone() {
+  void run_alone(Lines& lines) {
     Answers answers(settings, settings.limits.max_bits);
-    Lines lines(options.file, [] { flush_output(); });
     for (Item item; must_go_on() && read(lines, item);) {
       answers.answer(item);
       tell(item);
     }
   }
 
-  void run_with_crew(unsigned jobs) {
-    auto crew = std::make_unique<Crew>(settings, jobs);
+  void run_with_crew(Lines& lines, unsigned jobs) {
+    crew = std::make_unique<Crew>(settings, jobs);
     if (!crew->has_workers()) {
       crew.reset();
-      return run_alone();
+      return run_alone(lines);
     }
-    auto const tell_first = [&] {
-      tell(crew->first_item());
-      crew->release_first();
-      return must_go_on();
-    };
     try {
-      Lines lines(options.file, [&] {
-        while (must_go_on() && !crew->is_empty()) tell_first();
-        flush_output();
-      });
       while (must_go_on() && read(lines, crew->next_item())) {
         crew->accept();
-        while (crew->is_full() && tell_first()) {
-        }
+        while (must_go_on() && crew->is_full()) tell_first();
       }
-      while (must_go_on() && !crew->is_empty()) tell_first();
+      tell_all();
     } catch (...) {
-      std::_Exit(give_up_by_exception());
+      end_now(give_up_by_exception());
     }
     if (crew->is_empty()) return;
     // Whoever leaves early neither waits for workers in the middle of long work nor takes away what
     // they use.
     flush_output();
     tell_statistics();
-    std::_Exit(not_answered);
+    end_now(not_answered);
+  }
+
+  void tell_first() {
+    tell(crew->first_item());
+    crew->release_first();
+  }
+
+  void tell_all() {
+    while (must_go_on() && !crew->is_empty()) tell_first();
+  }
+
+  /// Returns whether more is to be read.
+  bool get_ready_to_wait() {
+    if (crew) tell_all();
+    flush_output();
+    return must_go_on();
   }
 
   bool must_go_on() const { return refused == 0 || !options.fail_fast; }
 
   /// Reads the next query; false at the end.
   bool read(Lines& lines, Item& item) {
-    while (lines.next()) {
+    while (lines.next() && must_go_on()) {
       ++number;
       Word query = query_of(number == 1 ? without_mark(lines.text()) : lines.text());
       if (query.text.empty() && !lines.is_cut()) continue;
@@ -126,7 +132,7 @@ class Batch {
 
   /// Prints what became of a query. The number of its line becomes the first member of an object.
   void tell(Item const& item) {
-    if (item.is_last) std::_Exit(give_up("not enough memory", not_answered));
+    if (item.is_last) end_now(give_up("not enough memory", not_answered));
     ++queries;
     repeated += item.is_repeated;
     Decimal const line(item.line);
@@ -135,6 +141,7 @@ class Batch {
       put(std::string_view(item.answer).substr(settings.style.json ? 1 : 0));
       put("\n");
       flush_now_and_then();
+      if (item.note != nullptr) complain_at(line, item.column, item.note);
       return;
     }
     ++refused;
@@ -144,7 +151,11 @@ class Batch {
       put("\n");
     }
     flush_output();
-    complain({options.file, ":", line, ":", Decimal(column), ": ", item.reason});
+    complain_at(line, column, item.reason);
+  }
+
+  void complain_at(Decimal const& line, std::size_t column, std::string_view text) const {
+    complain({options.file, ":", line, ":", Decimal(column), ": ", text});
   }
 
   void tell_statistics() const {
@@ -170,6 +181,7 @@ class Batch {
   Clock::time_point last_flush = begin;
   std::atomic<std::size_t> number = 0;  // of the line
   std::atomic<std::size_t> repeated = 0;
+  std::unique_ptr<Crew> crew;  // null while the queries are answered one after the other
   std::size_t queries = 0;
   std::size_t refused = 0;
 };

@@ -47,7 +47,7 @@ class Crew::Worker {
     for (std::size_t n = 0;; ++n) {
       published.wait(n, std::memory_order_acquire);
       current = ring[n % ring.size()];
-      if (current == nullptr) return;
+      if (current == nullptr) return QNumber::release_scratch();
       // Whoever is too far ahead waits, except for the item that the caller waits for.
       for (auto at = crew.taken.load(); at != current->number && crew.bytes_waiting > most_bytes;
            at = crew.taken.load())
@@ -75,10 +75,15 @@ class Crew::Worker {
 Crew::Crew(Settings const& settings, unsigned wanted) {
   SignalsBlocked const blocked;
   workers.reserve(wanted);
+  // Where memory is short, half of it is left for the work: as much as a stack for each worker.
+  constexpr std::size_t size_of_stack = std::size_t{1} << 23;
+  std::vector<std::unique_ptr<char[]>> left_free;
   try {
-    while (workers.size() < wanted)
+    while (workers.size() < wanted) {
+      left_free.push_back(std::make_unique_for_overwrite<char[]>(size_of_stack));
       workers.push_back(
           std::make_unique<Worker>(*this, settings, settings.limits.max_bits / wanted));
+    }
   } catch (std::system_error const&) {
     // As many as the system lets start.
   } catch (std::bad_alloc const&) {

@@ -19,7 +19,7 @@ namespace {
 
 }  // namespace
 
-Lines::Lines(std::string file_name, std::function<void()> before_waiting)
+Lines::Lines(std::string file_name, std::function<bool()> before_waiting)
     : name(std::move(file_name)),
       prepare_to_wait(std::move(before_waiting)),
       descriptor(name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
@@ -54,7 +54,7 @@ bool Lines::next() {
 /// Reads at most `size` bytes; returns none at the end of the file.
 std::string_view Lines::read(char* target, std::size_t size) {
   pollfd wanted = {descriptor, POLLIN, 0};
-  if (poll(&wanted, 1, 0) == 0) prepare_to_wait();
+  if (poll(&wanted, 1, 0) == 0 && !prepare_to_wait()) return {};
   for (;;) {
     auto const count = ::read(descriptor, target, size);
     if (count >= 0) return {target, static_cast<std::size_t>(count)};

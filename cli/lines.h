@@ -15,9 +15,10 @@ class Lines {
   static constexpr std::size_t capacity = std::size_t{1} << 24;
 
   /// Opens the file of that name; `-` is standard input. Before it waits for input, `next` calls
-  /// `before_waiting`: the other end of a pipe may be waiting for an answer before it writes on.
+  /// `before_waiting`: the other end of a pipe may be waiting for an answer before it writes on. If
+  /// that returns false, the file ends here.
   /// Throws: std::system_error when it cannot be read; so does `next`.
-  Lines(std::string file_name, std::function<void()> before_waiting);
+  Lines(std::string file_name, std::function<bool()> before_waiting);
   Lines(Lines const&) = delete;
   Lines& operator=(Lines const&) = delete;
   ~Lines();
@@ -39,7 +40,7 @@ class Lines {
   void skip_rest();
 
   std::string name;
-  std::function<void()> prepare_to_wait;
+  std::function<bool()> prepare_to_wait;
   int descriptor;
   // Holds the longest line with its line end, and behind it one block: there the rest of a line
   // that is cut is read and dropped.

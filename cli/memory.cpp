@@ -47,8 +47,16 @@ void end_by_terminate() {
 
 void Reserve::give_up() { end_without_memory(); }
 
-void end_without_memory() { std::_Exit(give_up("not enough memory", not_answered)); }
+void end_without_memory() { end_now(give_up("not enough memory", not_answered)); }
 
 void watch_allocations_of_gmp() { mp_set_memory_functions(allocate, reallocate, nullptr); }
 
 }  // namespace zelk::cli
+
+/// To note what is to be done at the end of a thread, the system's own function takes memory, and
+/// ends the program where there is none. The command has nothing to be done there: its workers give
+/// back the library's scratch integers themselves.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" [[gnu::visibility("default")]] int __cxa_thread_atexit(void (*)(void*), void*, void*) {
+  return 0;
+}

@@ -137,12 +137,14 @@ void print(std::initializer_list<std::string_view> pieces) {
   for (auto const piece : pieces) put(piece);
 }
 
-void try_to_flush_output() noexcept {
+int try_to_flush_output() noexcept {
   empty_buffer();
-  if (by_lines) return;
-  unfinished = 0;
-  is_within_unit = false;
-  end_if_signalled();
+  if (!by_lines) {
+    unfinished = 0;
+    is_within_unit = false;
+    end_if_signalled();
+  }
+  return failure;
 }
 
 void flush_output() {

@@ -23,8 +23,9 @@ void print(std::initializer_list<std::string_view> pieces);
 /// Writes what has been printed; a unit that is not a line ends here. Throws: std::system_error.
 void flush_output();
 
-/// The same without a throw: a later call of the others throws.
-void try_to_flush_output() noexcept;
+/// The same without a throw, nor an allocation: returns the `errno` of a write that failed, or 0. A
+/// later call of the others throws.
+int try_to_flush_output() noexcept;
 
 /// Writes all of it, waiting as long as the file needs. Returns false if that fails, with `errno`.
 bool write_all(int file, std::string_view text) noexcept;

@@ -1,6 +1,7 @@
 #include "cli/status.h"
 
 #include <cerrno>
+#include <cstring>
 #include <exception>
 #include <new>
 #include <system_error>
@@ -12,13 +13,10 @@ namespace zelk::cli {
 
 int give_up(char const* reason, Status status) noexcept {
   complain({reason});
-  try {
-    flush_output();
-    return status;
-  } catch (std::system_error const& error) {
-    if (error.code().value() != EPIPE) complain({error.what()});
-    return no_input_or_output;
-  }
+  int const failure = try_to_flush_output();
+  if (failure == 0) return status;
+  if (failure != EPIPE) complain({"cannot write to standard output: ", std::strerror(failure)});
+  return no_input_or_output;
 }
 
 int give_up_by_exception() noexcept {

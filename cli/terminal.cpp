@@ -85,6 +85,12 @@ void Screen::show(std::string_view progress) const {
   write_all(STDERR_FILENO, progress);
 }
 
+void end_now(int status) noexcept {
+  screen.lock();
+  erase_progress_now();
+  std::_Exit(status);
+}
+
 /// Goes to the beginning of the line and clears it.
 void erase_progress_now() {
   if (progress_shown.exchange(false)) write_all(STDERR_FILENO, "\r\033[K");

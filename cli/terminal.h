@@ -30,6 +30,9 @@ class Screen {
   std::lock_guard<std::mutex> lock;
 };
 
+/// Ends the command at once, in the middle of whatever other threads do. The line of progress goes.
+[[noreturn]] void end_now(int status) noexcept;
+
 /// Erases the line of progress without a lock, for a signal handler.
 void erase_progress_now();
 

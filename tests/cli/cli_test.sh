@@ -26,6 +26,12 @@ unread() (
   exec 3<>"$scratch/pipe" 4>"$scratch/pipe" 3>&-
   exec "$zelk" "$@" >&4
 )
+stopping() (
+  [[ -p $scratch/open ]] || mkfifo "$scratch/open"
+  exec 3<>"$scratch/open" # a pipe without an end
+  echo cf 1/0 >&3
+  exec timeout 20 "$zelk" "$@" <&3
+)
 completing() {
   # shellcheck disable=SC2016 # for the other shell
   bash -c 'compopt() { :; }; source <("$0" --bash-completion)
@@ -253,6 +259,11 @@ if ((status != 0)); then
     printf 'cf 5\npi 1400\n' >"$scratch/many"
     ask cramped_on_full_disk 'batch "$scratch/many"'
     expect exits 3
+    # Workers leave memory for their work.
+    "$zelk" batch "$scratch/slowly" >"$scratch/expected"
+    ask cramped 'batch --jobs 1024 "$scratch/slowly"'
+    expect exits 0
+    expect cmp -s "$scratch/expected" "$scratch/out"
     # From too little memory to enough, each line is right, and what is not answered is told.
     for memory in $(seq 15000 4000 51000); do
       for format in '' --json; do

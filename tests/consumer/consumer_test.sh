@@ -13,9 +13,10 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
 
-# What the program prints: a calendar of 33 years, enclosures of pi and of a half, the column of a
+# What the program prints: a calendar of 33 years, enclosures of pi and of a half, the fifth in an
+# octave, the column of a
 # zero.
-printf '%s\n' 12053/33 true '[3.141, 3.142]0.5' 3 >expected
+printf '%s\n' 12053/33 true '[3.141, 3.142]0.5' 7/12 3 >expected
 right() { "$@" | diff -u --label expected --label printed expected - || die "wrong: $*"; }
 
 quietly cmake --install "$1" --prefix "$work/made/static"
@@ -58,7 +59,7 @@ for kind in static shared; do
   quietly cmake --build "cmake-$kind"
   right "cmake-$kind/consumer"
 
-  read -ra flags < <(pkg-config "${option[@]}" --cflags --libs zelk-convert)
+  read -ra flags < <(pkg-config "${option[@]}" --cflags --libs zelk-real)
   "$CXX" -std=c++20 "$here/program/main.cpp" "${flags[@]}" -o "pkg-config-$kind"
   LD_LIBRARY_PATH=$prefix/lib right "./pkg-config-$kind"
 
@@ -73,14 +74,14 @@ for kind in static shared; do
   done
   ! "${consumer[@]}" -DZELK_VERSION= -DZELK_PART=none >log 2>&1 || die 'found without a part'
   grep -q 'set zelk_FOUND to FALSE' log || die "not refused for its part: $(<log)"
-  pkg-config --atleast-version="$major.$minor" zelk-convert || die "$version is not enough"
-  ! pkg-config --atleast-version="$major.$((minor + 1))" zelk-convert || die "$version is too much"
+  pkg-config --atleast-version="$major.$minor" zelk-real || die "$version is not enough"
+  ! pkg-config --atleast-version="$major.$((minor + 1))" zelk-real || die "$version is too much"
 done
 
 # What programs can link to is what the headers mark, and no helper behind it.
 public=$(cat moved/shared/include/zelk/*/*.h | sed 's/\[\[[^]]*\]\]//g' | tr '\n' ' ' |
-  grep -oE 'ZELK_EXPORT [^][;({]*' | sed 's/ : .*//' | awk '{ print $NF }' | paste -sd '|')
-helpers=$(nm -DC --defined-only moved/shared/lib/libzelk{,_convert}.so | grep -E ' [BDRT] ' |
+  grep -oE 'ZELK_EXPORT [^][;({]*' | sed 's/ : .*//' | awk '{ print $NF }' | sed 's|[*+]|\\&|g' | paste -sd '|')
+helpers=$(nm -DC --defined-only moved/shared/lib/libzelk{,_convert,_real}.so | grep -E ' [BDRT] ' |
   grep -vE "[ :]($public)(\(|\[|::|$)" || true)
 [[ -z $helpers ]] || die "exported, though internal: $helpers"
 

@@ -84,5 +84,25 @@ TEST(Decimal, PrintsEnclosuresOutwardAndMarksExactEnds) {
     EXPECT_EQ(to_decimal({parse_rational(first), parse_rational(second)}, places), text);
 }
 
+TEST(Decimal, PutsPowersOfTenBehindSignificantDigits) {
+  for (char const* number : {"1", "-1/3", "2/3", "9999/10000", "99951/100", "1e-300", "-12345e40",
+                             "1000000007/999999937", "123456789012345678901234567890/7"})
+    for (unsigned digits = 1; digits < 7; ++digits) {
+      QNumber const q = parse_rational(number);
+      auto const down = to_scientific(q, digits, Rounding::down);
+      auto const up = to_scientific(q, digits, Rounding::up);
+      auto const size = parse_rational(down).sign() < 0 ? digits + 1 : digits;
+      EXPECT_EQ(down.find('e'), size + (digits > 1));
+      EXPECT_NE(down.find_first_not_of('-'), down.find('0'));
+      auto const unit = parse_rational("1" + down.substr(down.find('e'))) *
+                        parse_rational("1e-" + std::to_string(digits - 1));
+      auto const width = parse_rational(up) - parse_rational(down);
+      EXPECT_TRUE(parse_rational(down) <= q && q <= parse_rational(up));
+      EXPECT_TRUE(down == up ? width.is_zero() : width == unit || width == 10 * unit) << down << up;
+    }
+  EXPECT_EQ(to_scientific({{-1, 2}, {2, 3}}, 3), "[=-5.00e-1, 6.67e-1]");
+  EXPECT_EQ(to_scientific(0, 3, Rounding::nearest), "0");
+}
+
 }  // namespace
 }  // namespace zelk::convert

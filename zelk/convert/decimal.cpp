@@ -2,7 +2,9 @@
 
 #include <gmp.h>
 
+#include <cassert>
 #include <cstddef>
+#include <cstdlib>
 
 #include "zelk/convert/text.h"
 #include "zelk/numbers/integer.h"
@@ -27,23 +29,59 @@ std::string with_point(mpz_srcptr n, std::size_t places) {
   return text;
 }
 
-Decimal rounded(QNumber const& q, unsigned places, Rounding rounding) {
-  auto const denominator = q.denominator();
-  Integer scaled;
-  Integer rest;
-  mpz_ui_pow_ui(scaled, 10, places);
-  mpz_mul(scaled, scaled, q.numerator());
-  mpz_fdiv_qr(scaled, rest, scaled, denominator);
+/// An integer near q * 10^places, and whether it is that.
+struct Scaled {
+  Integer value;
+  bool exact;
+};
 
-  bool const exact = mpz_sgn(rest) == 0;
-  bool upward = rounding == Rounding::up && !exact;
+void scale(Scaled& scaled, QNumber const& q, long places, Rounding rounding) {
+  Integer numerator(q.numerator().get());
+  Integer denominator(q.denominator().get());
+  Integer rest;
+  mpz_ui_pow_ui(rest, 10, static_cast<unsigned long>(std::abs(places)));
+  auto& factor = places < 0 ? denominator : numerator;
+  mpz_mul(factor, factor, rest);
+  mpz_fdiv_qr(scaled.value, rest, numerator, denominator);
+
+  scaled.exact = mpz_sgn(rest.get()) == 0;
+  bool upward = rounding == Rounding::up && !scaled.exact;
   if (rounding == Rounding::nearest) {
     mpz_mul_2exp(rest, rest, 1);
     int const side = mpz_cmp(rest, denominator);
-    upward = side > 0 || (side == 0 && mpz_odd_p(scaled) != 0);
+    upward = side > 0 || (side == 0 && mpz_odd_p(scaled.value.get()) != 0);
   }
-  if (upward) mpz_add_ui(scaled, scaled, 1);
-  return {with_point(scaled, places), exact};
+  if (upward) mpz_add_ui(scaled.value, scaled.value, 1);
+}
+
+Decimal rounded(QNumber const& q, unsigned places, Rounding rounding) {
+  Scaled scaled;
+  scale(scaled, q, places, rounding);
+  return {with_point(scaled.value, places), scaled.exact};
+}
+
+Decimal rounded_scientific(QNumber const& q, unsigned digits, Rounding rounding) {
+  if (q.is_zero()) return {"0", true};
+  auto const size = [](mpz_srcptr n) { return static_cast<long>(mpz_sizeinbase(n, 10)); };
+  Integer limit;
+  mpz_ui_pow_ui(limit, 10, digits);
+  // From below: the sizes may be 1 too great. Rounding may make a digit more.
+  Scaled scaled;
+  for (long exponent = size(q.numerator()) - size(q.denominator()) - 2;; ++exponent) {
+    scale(scaled, q, digits - 1L - exponent, rounding);
+    if (mpz_cmpabs(scaled.value, limit) < 0)
+      return {with_point(scaled.value, digits - 1) + 'e' + std::to_string(exponent), scaled.exact};
+  }
+}
+
+/// Both ends rounded outward, by a function as above.
+std::string outward(std::pair<QNumber, QNumber> const& enclosure, unsigned count,
+                    decltype(rounded)& round) {
+  auto const& [first, second] = enclosure;
+  bool const descending = second < first;
+  auto const lower = round(descending ? second : first, count, Rounding::down);
+  auto const upper = round(descending ? first : second, count, Rounding::up);
+  return (lower.exact ? "[=" : "[") + lower.text + (upper.exact ? ", =" : ", ") + upper.text + ']';
 }
 
 }  // namespace
@@ -63,11 +101,17 @@ bool is_decimal(QNumber const& q, unsigned places) {
 }
 
 std::string to_decimal(std::pair<QNumber, QNumber> const& enclosure, unsigned places) {
-  auto const& [first, second] = enclosure;
-  bool const descending = second < first;
-  auto const lower = rounded(descending ? second : first, places, Rounding::down);
-  auto const upper = rounded(descending ? first : second, places, Rounding::up);
-  return (lower.exact ? "[=" : "[") + lower.text + (upper.exact ? ", =" : ", ") + upper.text + ']';
+  return outward(enclosure, places, rounded);
+}
+
+std::string to_scientific(QNumber const& q, unsigned digits, Rounding rounding) {
+  assert(digits >= 1);
+  return rounded_scientific(q, digits, rounding).text;
+}
+
+std::string to_scientific(std::pair<QNumber, QNumber> const& enclosure, unsigned digits) {
+  assert(digits >= 1);
+  return outward(enclosure, digits, rounded_scientific);
 }
 
 }  // namespace zelk::convert

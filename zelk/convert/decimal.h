@@ -35,4 +35,16 @@ ZELK_EXPORT bool is_decimal(QNumber const& q, unsigned places);
 /// Cost: as `to_decimal` for both ends.
 ZELK_EXPORT std::string to_decimal(std::pair<QNumber, QNumber> const& enclosure, unsigned places);
 
+/// `q` with so many significant digits and a power of ten: 2/3 is `6.7e-1` to the nearest, and
+/// -1000/3 is `-3.34e2` down. Zero is `0`. `parse_rational` reads it back, within its exponents.
+///
+/// Requires: digits >= 1.
+/// Cost: subquadratic in the digits of q and `digits`.
+ZELK_EXPORT std::string to_scientific(QNumber const& q, unsigned digits, Rounding rounding);
+
+/// The interval between two numbers, rounded outward and marked as by `to_decimal`:
+/// `[3.33e-1, =5.00e-1]`.
+ZELK_EXPORT std::string to_scientific(std::pair<QNumber, QNumber> const& enclosure,
+                                      unsigned digits);
+
 }  // namespace zelk::convert

@@ -47,11 +47,10 @@ class ZELK_EXPORT ElementaryFunctions {
   Interval root(Interval const& x, unsigned long degree, Accuracy accuracy);
   Interval sqrt(Interval const& x, Accuracy accuracy) { return root(x, 2, accuracy); }
 
-  /// x to the power of a rational exponent: of integers for every x but 0 to a negative power, of
-  /// fractions for x >= 0, or x > 0 if the exponent is negative. Throws: std::domain_error elsewhere.
-  Interval pow(Interval const& x, QNumber const& exponent, Accuracy accuracy);
-
-  /// x^y as exp(y log x). Throws: std::domain_error unless x > 0.
+  /// x^y. Where y is a point: for integers and every x, but 0 to a negative power; for fractions
+  /// and x >= 0, or x > 0 if y is negative. Otherwise e^(y log x), for x > 0. Elsewhere it throws
+  /// std::domain_error. A rational value is exact unless it is many times longer than the accuracy
+  /// calls for.
   Interval pow(Interval const& x, Interval const& y, Accuracy accuracy);
 
   Interval sin(Interval const& x, Accuracy accuracy);
@@ -74,6 +73,8 @@ class ZELK_EXPORT ElementaryFunctions {
   double max_bits() const { return most_bits; }
 
  private:
+  Interval power(Interval const& x, QNumber const& exponent, Accuracy accuracy);
+
   double most_bits;
   std::unique_ptr<Constants> constants;
 };

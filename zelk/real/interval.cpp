@@ -14,24 +14,24 @@ Interval::Interval(QNumber lower, QNumber upper) : low(std::move(lower)), high(s
 QNumber Interval::midpoint() const { return (low + high) / 2; }
 
 Interval operator+(Interval const& a, Interval const& b) {
-  return {a.low + b.low, a.high + b.high};
+  return {a.lower() + b.lower(), a.upper() + b.upper()};
 }
 
 Interval operator-(Interval const& a, Interval const& b) {
-  return {a.low - b.high, a.high - b.low};
+  return {a.lower() - b.upper(), a.upper() - b.lower()};
 }
 
 Interval operator*(Interval const& a, Interval const& b) {
-  if (a.is_point() && b.is_point()) return a.low * b.low;
+  if (a.is_point() && b.is_point()) return a.lower() * b.lower();
   // A product is linear in each factor, so that it is least and greatest at the ends.
-  auto const [least, greatest] =
-      std::minmax({a.low * b.low, a.low * b.high, a.high * b.low, a.high * b.high});
+  auto const [least, greatest] = std::minmax(
+      {a.lower() * b.lower(), a.lower() * b.upper(), a.upper() * b.lower(), a.upper() * b.upper()});
   return {least, greatest};
 }
 
 Interval operator/(Interval const& a, Interval const& b) {
   if (b.sign() == 0) throw std::domain_error("division by an interval that holds 0");
-  return a * Interval(b.high.inv(), b.low.inv());
+  return a * Interval(b.upper().inv(), b.lower().inv());
 }
 
 Interval pow(Interval const& x, long exponent) {

@@ -28,7 +28,6 @@ class ZELK_EXPORT Interval {
   QNumber const& upper() const ZELK_LIFETIMEBOUND { return high; }
 
   bool is_point() const { return low == high; }
-  bool contains(QNumber const& number) const { return !(number < low) && !(high < number); }
   bool contains(Interval const& other) const { return !(other.low < low) && !(high < other.high); }
 
   /// 1 if all of its numbers are positive, -1 if all are negative, otherwise 0.
@@ -42,17 +41,18 @@ class ZELK_EXPORT Interval {
   }
 
   Interval operator-() const { return {-high, -low}; }
-  friend ZELK_EXPORT Interval operator+(Interval const& a, Interval const& b);
-  friend ZELK_EXPORT Interval operator-(Interval const& a, Interval const& b);
-  friend ZELK_EXPORT Interval operator*(Interval const& a, Interval const& b);
-
-  /// Throws: std::domain_error if b holds 0.
-  friend ZELK_EXPORT Interval operator/(Interval const& a, Interval const& b);
 
  private:
   QNumber low;
   QNumber high;
 };
+
+ZELK_EXPORT Interval operator+(Interval const& a, Interval const& b);
+ZELK_EXPORT Interval operator-(Interval const& a, Interval const& b);
+ZELK_EXPORT Interval operator*(Interval const& a, Interval const& b);
+
+/// Throws: std::domain_error if b holds 0.
+ZELK_EXPORT Interval operator/(Interval const& a, Interval const& b);
 
 /// The powers of x's numbers: [-2, 1]^2 is [0, 4]. x^0 is 1.
 /// Throws: std::domain_error if the exponent is negative and x holds 0.

@@ -8,6 +8,7 @@
 #include "zelk/convert/machine.h"
 #include "zelk/convert/stream.h"
 #include "zelk/convert/text.h"
+#include "zelk/real/elementary_functions.h"
 #include "zelk/zelk.h"
 
 int main() {
@@ -24,6 +25,10 @@ int main() {
   zelk::QNumber const tolerance = parse_rational("1e-30");
   std::cout << std::boolalpha << (low < pi && pi < high && !(tolerance < high - low)) << '\n';
   std::cout << to_decimal({low, high}, 3) << enclosing_doubles(from_double(0.5)).second << '\n';
+
+  zelk::real::ElementaryFunctions functions;
+  auto const fifth = functions.log({3, 2}, 9) / functions.log(2, 9);
+  std::cout << zelk::na::best_nearest(fifth.midpoint(), 12) << '\n';
 
   try {
     parse_rational("1/0");

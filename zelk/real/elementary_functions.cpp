@@ -1,0 +1,306 @@
+#include "zelk/real/elementary_functions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+#include "zelk/approx/simplest.h"
+#include "zelk/numbers/functions.h"
+#include "zelk/real/internal/composed_functions.h"
+#include "zelk/real/internal/constants.h"
+#include "zelk/real/internal/fixed_point.h"
+#include "zelk/real/internal/point_functions.h"
+
+namespace zelk::real {
+
+namespace {
+
+// Of the distance that an end may have from the true value an enclosure takes 2^-spare_bits, and
+// 9/20 on each side are left for the search of a short end: 2 * 9/20 + 1/16 < 1.
+constexpr long spare_bits = 4;
+
+/// What an answer may cost, and how near it has to be.
+class Goal {
+ public:
+  Goal(Accuracy wanted, double max_bits) : accuracy(wanted), most_bits(max_bits) {
+    require_room(static_cast<double>(tolerance_bits()));
+  }
+
+  /// The least bits with 2^-bits < 10^-digits / 2^spare_bits, nearly. log2 10 < 3.32193.
+  long tolerance_bits() const {
+    return static_cast<long>(accuracy.digits() * 332193UL / 100000UL) + 1 + spare_bits;
+  }
+
+  /// 9/20 of 10^-digits.
+  QNumber slack() const {
+    Integer n(9UL), d;
+    mpz_ui_pow_ui(d, 10, accuracy.digits());
+    mpz_mul_ui(d, d, 20);
+    return QNumber::from_lowest_terms({n, d});
+  }
+
+  bool is_relative() const { return accuracy.is_relative(); }
+
+  void require_room(double bits) const {
+    if (bits > most_bits)
+      throw std::length_error("a result would have more bits than the limit allows");
+  }
+
+ private:
+  Accuracy accuracy;
+  double most_bits;
+};
+
+/// A value of a function, and how far an answer's end may lie outside.
+struct Value {
+  Interval bounds;
+  QNumber slack;
+};
+
+/// What is known exactly is given exactly.
+Value exactly(QNumber value) { return {std::move(value), {}}; }
+
+/// The value that `at` encloses to any number of bits. `exponent` may be any guess of its binary
+/// one: a good one saves work, and a great one is needed where the value is great.
+template <class At>
+Value enclose(Goal const& goal, At const& at, long exponent = 0) {
+  long bits = goal.tolerance_bits();
+  if (!goal.is_relative()) {
+    goal.require_room(static_cast<double>(bits) + static_cast<double>(exponent));
+    auto bounds = at(bits);
+    return {bounds, bounds.is_point() ? QNumber() : goal.slack()};
+  }
+  goal.require_room(static_cast<double>(bits) + std::abs(static_cast<double>(exponent)));
+  for (long more = bits + 64, needed = bits - exponent;; more *= 2) {
+    auto bounds = at(needed);
+    if (bounds.is_point()) return {std::move(bounds), {}};
+    if (bounds.sign() == 0) {  // more bits than the value has zeros
+      needed += more;
+      goal.require_room(static_cast<double>(needed));
+      continue;
+    }
+    auto const& nearest = bounds.sign() > 0 ? bounds.lower() : bounds.upper();
+    long const enough = bits - (magnitude(nearest) - 2);
+    if (needed >= enough) return {bounds, abs(nearest) * goal.slack()};
+    needed = enough;
+  }
+}
+
+/// The interval from the least value to the greatest, with short ends.
+Interval shorten(Value const& least, Value const& greatest) {
+  auto [lower, upper] =
+      na::shortened({least.bounds.lower(), greatest.bounds.upper()}, least.slack, greatest.slack);
+  return {std::move(lower), std::move(upper)};
+}
+
+/// The image of x under a function that grows, or falls, on all of it.
+template <class ValueAt>
+Interval monotone_image(Interval const& x, bool grows, ValueAt const& value_at) {
+  auto const at_lower = value_at(x.lower());
+  if (x.is_point()) return shorten(at_lower, at_lower);
+  auto const at_upper = value_at(x.upper());
+  return grows ? shorten(at_lower, at_upper) : shorten(at_upper, at_lower);
+}
+
+/// What |x| takes: all that an even function depends on.
+Interval magnitudes(Interval const& x) {
+  auto const [nearest, farthest] = std::minmax({abs(x.lower()), abs(x.upper())});
+  return {x.contains(0) ? 0 : nearest, farthest};
+}
+
+Value const& lesser(Value const& a, Value const& b) {
+  return b.bounds.lower() < a.bounds.lower() ? b : a;
+}
+
+Value const& greater(Value const& a, Value const& b) {
+  return a.bounds.upper() < b.bounds.upper() ? b : a;
+}
+
+/// Which multiples of pi/2 lie in x: those from `first` to `last`, counted from 0.
+class QuarterTurns {
+ public:
+  QuarterTurns(Interval const& x, Constants& constants)
+      : first(quadrant_of(x.lower(), constants)), last(quadrant_of(x.upper(), constants)) {
+    // The only one that is rational is 0.
+    if (!x.lower().is_zero()) first += 1;
+  }
+
+  /// Whether one of them is `remainder` modulo `modulus`.
+  bool include(long remainder, long modulus) const {
+    auto const skipped = first - remainder;
+    auto const next = ceil(skipped / modulus) * modulus + remainder;
+    return !(last < next);
+  }
+
+ private:
+  QNumber first;
+  QNumber last;
+};
+
+/// The image of x under the sine, or the cosine, which is 1 at the multiples 4k + top of pi/2.
+template <class ValueAt>
+Interval wave_image(Interval const& x, long top, Constants& constants, ValueAt const& value_at) {
+  auto const at_lower = value_at(x.lower());
+  if (x.is_point()) return shorten(at_lower, at_lower);
+  QuarterTurns const turns(x, constants);
+  bool const has_top = turns.include(top, 4);
+  bool const has_bottom = turns.include(top + 2, 4);
+  if (has_top && has_bottom) return {-1, 1};
+  auto const at_upper = value_at(x.upper());
+  return shorten(has_bottom ? exactly(-1) : lesser(at_lower, at_upper),
+                 has_top ? exactly(1) : greater(at_lower, at_upper));
+}
+
+[[noreturn]] void refuse(char const* what) { throw std::domain_error(what); }
+
+}  // namespace
+
+ElementaryFunctions::ElementaryFunctions(double max_bits)
+    : most_bits(max_bits), constants(std::make_unique<Constants>()) {}
+
+ElementaryFunctions::~ElementaryFunctions() = default;
+
+Interval ElementaryFunctions::exp(Interval const& x, Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(x, true, [&](QNumber const& point) {
+    auto const at = [&](long bits) { return exp_at(point, bits, *constants); };
+    return enclose(goal, at, exponent_of_exp(point));
+  });
+}
+
+Interval ElementaryFunctions::log(Interval const& x, Accuracy accuracy) {
+  if (x.lower().sign() <= 0) refuse("log of what is not positive");
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(x, true, [&](QNumber const& point) {
+    return enclose(goal, [&](long bits) { return log_at(point, bits, *constants); });
+  });
+}
+
+Interval ElementaryFunctions::root(Interval const& x, unsigned long degree, Accuracy accuracy) {
+  if (degree == 0) refuse("root of degree 0");
+  if (degree % 2 == 0 && x.lower().sign() < 0) refuse("even root of what is negative");
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(x, true, [&](QNumber const& point) {
+    if (point.is_zero()) return exactly(0);
+    auto const at = [&](long bits) {
+      auto const magnitude = root_at(abs(point), degree, bits);
+      return point.sign() < 0 ? -magnitude : magnitude;
+    };
+    return enclose(goal, at, magnitude(point) / static_cast<long>(degree));
+  });
+}
+
+Interval ElementaryFunctions::sin(Interval const& x, Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  return wave_image(x, 1, *constants, [&](QNumber const& point) {
+    return enclose(goal, [&](long bits) { return sin_at(point, bits, *constants); });
+  });
+}
+
+Interval ElementaryFunctions::cos(Interval const& x, Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  return wave_image(x, 0, *constants, [&](QNumber const& point) {
+    return enclose(goal, [&](long bits) { return cos_at(point, bits, *constants); });
+  });
+}
+
+Interval ElementaryFunctions::tan(Interval const& x, Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  if (!x.is_point() && QuarterTurns(x, *constants).include(1, 2))
+    refuse("tan of an interval that holds a pole");
+  return monotone_image(x, true, [&](QNumber const& point) {
+    return enclose(goal, [&](long bits) { return tan_at(point, bits, *constants); });
+  });
+}
+
+Interval ElementaryFunctions::asin(Interval const& x, Accuracy accuracy) {
+  if (!Interval(-1, 1).contains(x)) refuse("asin of what lies beyond -1 and 1");
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(x, true, [&](QNumber const& point) {
+    return enclose(goal, [&](long bits) { return asin_at(point, bits, *constants); });
+  });
+}
+
+Interval ElementaryFunctions::acos(Interval const& x, Accuracy accuracy) {
+  if (!Interval(-1, 1).contains(x)) refuse("acos of what lies beyond -1 and 1");
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(x, false, [&](QNumber const& point) {
+    return enclose(goal, [&](long bits) { return acos_at(point, bits, *constants); });
+  });
+}
+
+Interval ElementaryFunctions::atan(Interval const& x, Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(x, true, [&](QNumber const& point) {
+    return enclose(goal, [&](long bits) { return atan_at(point, bits, *constants); });
+  });
+}
+
+Interval ElementaryFunctions::sinh(Interval const& x, Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(x, true, [&](QNumber const& point) {
+    auto const at = [&](long bits) { return sinh_at(point, bits, *constants); };
+    return enclose(goal, at, exponent_of_exp(abs(point)));
+  });
+}
+
+Interval ElementaryFunctions::cosh(Interval const& x, Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(magnitudes(x), true, [&](QNumber const& point) {
+    auto const at = [&](long bits) { return cosh_at(point, bits, *constants); };
+    return enclose(goal, at, exponent_of_exp(point));
+  });
+}
+
+Interval ElementaryFunctions::tanh(Interval const& x, Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  return monotone_image(x, true, [&](QNumber const& point) {
+    return enclose(goal, [&](long bits) { return tanh_at(point, bits, *constants); });
+  });
+}
+
+Interval ElementaryFunctions::power(Interval const& x, QNumber const& exponent, Accuracy accuracy) {
+  if (exponent.is_zero()) return 1;
+  bool const is_negative = exponent.sign() < 0;
+  bool const is_odd = mpz_odd_p(exponent.numerator().get()) != 0;
+  if (!exponent.is_integer() && x.lower().sign() < 0)
+    refuse("fractional power of what is negative");
+  if (is_negative && x.contains(0)) refuse("negative power of 0");
+  Goal const goal(accuracy, most_bits);
+  auto const value_at = [&](QNumber const& point) {
+    if (point.is_zero()) return exactly(0);
+    auto const size = abs(point);
+    auto const at = [&](long bits) {
+      auto const power = pow_at(size, exponent, bits, *constants);
+      return point.sign() < 0 && is_odd ? -power : power;
+    };
+    return enclose(goal, at, exponent_of_pow(size, exponent, *constants));
+  };
+  bool const is_even = exponent.is_integer() && !is_odd;
+  return monotone_image(is_even ? magnitudes(x) : x, !is_negative, value_at);
+}
+
+Interval ElementaryFunctions::pow(Interval const& x, Interval const& y, Accuracy accuracy) {
+  if (y.is_point()) return power(x, y.lower(), accuracy);
+  if (x.lower().sign() <= 0) refuse("power of what is not positive");
+  Goal const goal(accuracy, most_bits);
+  auto const value_at = [&](QNumber const& base, QNumber const& exponent) {
+    auto const at = [&](long bits) { return pow_at(base, exponent, bits, *constants); };
+    return enclose(goal, at, exponent_of_pow(base, exponent, *constants));
+  };
+  // y log x is bilinear, so that it is least and greatest at the corners.
+  Value const corners[] = {value_at(x.lower(), y.lower()), value_at(x.lower(), y.upper()),
+                           value_at(x.upper(), y.lower()), value_at(x.upper(), y.upper())};
+  return shorten(lesser(lesser(corners[0], corners[1]), lesser(corners[2], corners[3])),
+                 greater(greater(corners[0], corners[1]), greater(corners[2], corners[3])));
+}
+
+Interval ElementaryFunctions::pi(Accuracy accuracy) {
+  Goal const goal(accuracy, most_bits);
+  auto const value = enclose(goal, [&](long bits) { return pi_at(bits, *constants); });
+  return shorten(value, value);
+}
+
+}  // namespace zelk::real

@@ -1,0 +1,175 @@
+#include "zelk/real/enclose.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "zelk/approx/best.h"
+#include "zelk/approx/convergents.h"
+#include "zelk/approx/simplest.h"
+#include "zelk/numbers/functions.h"
+#include "zelk/real/internal/refinement.h"
+
+namespace zelk::real {
+
+namespace {
+
+using Missing = std::optional<unsigned long>;
+constexpr Missing nothing = std::nullopt;
+
+/// How near bounds have to be to the number between them, and how far they may move for short ends.
+class Tolerance {
+ public:
+  Tolerance(Accuracy wanted, unsigned most)
+      : unit(zelk::pow(10, -static_cast<long>(wanted.digits()))),
+        is_relative(wanted.is_relative()),
+        most_digits(most) {}
+
+  /// A half of what is allowed is left for short ends.
+  bool is_narrow(Interval const& enclosure) const {
+    return enclosure.is_point() || !(allowed(enclosure) < 2 * enclosure.width());
+  }
+
+  /// How many digits too wide an enclosure is; nothing if it is not, or is given up.
+  Missing missing(Interval const& enclosure) const {
+    if (is_narrow(enclosure)) return nothing;
+    auto const width = enclosure.width(), goal = allowed(enclosure);
+    if (goal.is_zero()) return is_hopeless(width, most_digits) ? nothing : Missing(0);
+    long const excess = decimal_magnitude(width) - decimal_magnitude(goal) + 3;
+    return static_cast<unsigned long>(std::max(0L, excess));
+  }
+
+  /// How far each end may move outward. If one moves toward 0, what is allowed becomes less, but by
+  /// no more than it moves.
+  QNumber slack(Interval const& enclosure) const {
+    if (enclosure.is_point()) return 0;
+    return std::max(QNumber(0), (allowed(enclosure) - enclosure.width()) / 3);
+  }
+
+ private:
+  /// 0 for numbers that may be 0, if that matters.
+  QNumber allowed(Interval const& enclosure) const {
+    if (!is_relative) return unit;
+    if (enclosure.sign() == 0) return 0;
+    return unit * std::min(abs(enclosure.lower()), abs(enclosure.upper()));
+  }
+
+  QNumber unit;
+  bool is_relative;
+  unsigned most_digits;
+};
+
+Interval shortened(Interval const& bounds, QNumber const& lower_slack, QNumber const& upper_slack) {
+  auto [lower, upper] = na::shortened({bounds.lower(), bounds.upper()}, lower_slack, upper_slack);
+  return {std::move(lower), std::move(upper)};
+}
+
+/// What `decide` says of the value: a function of an interval, whose answer holds for all numbers
+/// in it, and is nothing if there is no common one. Enclosures are taken down to 10^-extra_digits
+/// times the width at which others give up.
+template <class Decide>
+auto decision(ElementaryFunctions& functions, Expression const& expression,
+              unsigned long extra_digits, unsigned most_digits, Decide const& decide) {
+  decltype(decide(std::declval<Interval>())) answer;
+  refine(functions, expression, extra_digits, most_digits, [&](Value const& value) -> Missing {
+    answer = decide(value.outer());
+    if (answer) return nothing;
+    if (auto const inner = value.inner(); inner && !decide(*inner)) return nothing;
+    return is_hopeless(value.unknown_width(), extra_digits + most_digits) ? nothing : Missing(0);
+  });
+  return answer;
+}
+
+using Best = QNumber(QNumber const& q, QNumber const& limit);
+
+std::optional<QNumber> best(ElementaryFunctions& functions, Expression const& expression,
+                            QNumber const& limit, unsigned most_digits, Best& best_for) {
+  auto const digits = limit.is_zero() ? 0 : 2 * std::max(0L, decimal_magnitude(limit));
+  return decision(functions, expression, static_cast<unsigned long>(digits), most_digits,
+                  [&](Interval const& x) -> std::optional<QNumber> {
+                    auto answer = best_for(x.lower(), limit);
+                    // It never falls where x grows: what it is at both ends, it is between them.
+                    if (!x.is_point() && !(best_for(x.upper(), limit) == answer)) return {};
+                    return answer;
+                  });
+}
+
+}  // namespace
+
+Enclosure enclose(ElementaryFunctions& functions, Expression const& expression, Accuracy accuracy,
+                  unsigned most_digits) {
+  Tolerance const tolerance(accuracy, most_digits);
+  Enclosure answer{0, false};
+  refine(functions, expression, accuracy.digits(), most_digits, [&](Value const& value) {
+    auto const outer = value.outer();
+    answer.is_narrow = tolerance.is_narrow(outer);
+    bool const is_one = answer.is_narrow || value.is_number();
+    auto const& lower_end = is_one ? outer : value.lower_end();
+    auto const& upper_end = is_one ? outer : value.upper_end();
+    auto const missing = std::max(tolerance.missing(lower_end), tolerance.missing(upper_end));
+    if (!missing)
+      answer.bounds = shortened(outer, tolerance.slack(lower_end), tolerance.slack(upper_end));
+    return missing;
+  });
+  return answer;
+}
+
+Terms terms(ElementaryFunctions& functions, Expression const& expression, std::size_t count,
+            unsigned most_digits) {
+  Terms answer{{}, false};
+  auto& found = answer.terms;
+  // A term takes 1.03 digits on the average.
+  auto const digits_for = [](std::size_t terms) { return terms + terms / 16; };
+  refine(functions, expression, digits_for(count), most_digits, [&](Value const& value) -> Missing {
+    auto const outer = value.outer();
+    found = na::common_terms(outer.lower(), outer.upper());
+    answer.is_whole = outer.is_point() && found.size() <= count;
+    if (outer.is_point() || found.size() >= count) return nothing;
+    auto const inner = value.inner();
+    if (inner && na::common_terms(inner->lower(), inner->upper()).size() == found.size())
+      return nothing;
+    if (is_hopeless(value.unknown_width(), most_digits + 2 * count)) return nothing;
+    return digits_for(count - found.size());
+  });
+  if (found.size() > count)
+    found.erase(found.begin() + static_cast<std::ptrdiff_t>(count), found.end());
+  return answer;
+}
+
+std::vector<QNumber> convergents(ElementaryFunctions& functions, Expression const& expression,
+                                 std::size_t count, unsigned most_digits) {
+  return na::convergents(terms(functions, expression, count, most_digits).terms);
+}
+
+std::optional<QNumber> best_below(ElementaryFunctions& functions, Expression const& expression,
+                                  QNumber const& limit, unsigned most_digits) {
+  return best(functions, expression, limit, most_digits, na::best_below);
+}
+
+std::optional<QNumber> best_above(ElementaryFunctions& functions, Expression const& expression,
+                                  QNumber const& limit, unsigned most_digits) {
+  return best(functions, expression, limit, most_digits, na::best_above);
+}
+
+std::optional<QNumber> best_nearest(ElementaryFunctions& functions, Expression const& expression,
+                                    QNumber const& limit, unsigned most_digits) {
+  return best(functions, expression, limit, most_digits, na::best_nearest);
+}
+
+std::optional<int> sign(ElementaryFunctions& functions, Expression const& expression,
+                        unsigned most_digits) {
+  return decision(functions, expression, 0, most_digits,
+                  [](Interval const& x) -> std::optional<int> {
+                    if (x.sign() == 0 && !x.is_point()) return {};
+                    return x.sign();
+                  });
+}
+
+std::optional<std::strong_ordering> compare(ElementaryFunctions& functions, Expression const& a,
+                                            Expression const& b, unsigned most_digits) {
+  auto const order = sign(functions, a - b, most_digits);
+  if (!order) return std::nullopt;
+  return *order <=> 0;
+}
+
+}  // namespace zelk::real

@@ -1,0 +1,153 @@
+#include "zelk/real/internal/kinds.h"
+
+#include <array>
+#include <cmath>
+#include <stdexcept>
+
+#include "zelk/numbers/functions.h"
+
+namespace zelk::real {
+
+namespace {
+
+bool never(Interval const&) { return false; }
+bool is_above_one(Interval const& x) { return !(x.lower() < 1); }
+bool is_beyond_one(Interval const& x) { return !(x.lower() < 1) || !(-1 < x.upper()); }
+bool always(Interval const&) { return true; }
+
+/// A function of one operand, and where its results are great.
+template <auto function, auto is_great>
+Value apply(Precision const& precision, Operands x) {
+  auto const accuracy = precision.accuracy(is_great(x[0].outer()));
+  return precision.image(x[0], accuracy, [&](Interval const& argument) {
+    return (precision.functions().*function)(argument, accuracy);
+  });
+}
+
+Value no_variable(Precision const&, Operands) {
+  throw std::invalid_argument("the variable x has no value");
+}
+
+Value pi(Precision const& precision, Operands) {
+  return Value::number(precision.functions().pi(precision.accuracy(false)));
+}
+
+Value e(Precision const& precision, Operands) {
+  return Value::number(precision.functions().exp(1, precision.accuracy(false)));
+}
+
+Value negative(Precision const&, Operands x) { return -x[0]; }
+
+Value sum(Precision const& precision, Operands x) {
+  return precision.rational(x[0], x[1], [](Value const& a, Value const& b) { return a + b; });
+}
+
+Value difference(Precision const& precision, Operands x) {
+  return precision.rational(x[0], x[1], [](Value const& a, Value const& b) { return a + -b; });
+}
+
+Value product(Precision const& precision, Operands x) {
+  return precision.rational(x[0], x[1], [](Value const& a, Value const& b) { return a * b; });
+}
+
+Value quotient(Precision const& precision, Operands x) {
+  return precision.rational(x[0], x[1],
+                            [](Value const& a, Value const& b) { return a * inverse(b); });
+}
+
+/// About log2 |q|, at most. Requires: q is not 0.
+double log2_of(QNumber const& q) {
+  long numerator_exponent = 0, denominator_exponent = 0;
+  double const numerator = mpz_get_d_2exp(&numerator_exponent, q.numerator());
+  double const denominator = mpz_get_d_2exp(&denominator_exponent, q.denominator());
+  return std::log2(std::abs(numerator) / denominator) +
+         static_cast<double>(numerator_exponent - denominator_exponent);
+}
+
+Value rational_power(Precision const& precision, Value const& base, QNumber const& exponent) {
+  auto const x = base.outer();
+  if (exponent.is_zero()) return Value(1);
+  double const times = std::exp2(log2_of(exponent));
+  if (base.is_exact() && exponent.is_integer() && precision.is_short(size_of(x) * times))
+    return Value(real::pow(x, exponent.to_small().small_numerator()));
+  for (auto const& end : {x.lower(), x.upper()})
+    if (!end.is_zero()) precision.require_room(exponent.sign() * log2_of(end) * times);
+  bool const is_great = exponent.sign() > 0 ? is_beyond_one(x) : Interval(-1, 1).contains(x);
+  auto const accuracy = precision.accuracy(is_great);
+  return precision.image(base, accuracy, [&](Interval const& argument) {
+    return precision.functions().pow(argument, exponent, accuracy);
+  });
+}
+
+Value power(Precision const& precision, Operands x) {
+  Value const &base = x[0], &exponent = x[1];
+  if (exponent.is_number() && exponent.is_exact())
+    return rational_power(precision, base, exponent.lower_end().lower());
+  if (base.outer().lower().sign() <= 0)
+    throw std::domain_error("power of what is not positive to what is not known to be rational");
+  Value const logarithm[] = {
+      apply<&ElementaryFunctions::log, never>(precision, Operands(&base, 1))};
+  Value const factors[] = {exponent, logarithm[0]};
+  Value const whole[] = {product(precision, factors)};
+  return apply<&ElementaryFunctions::exp, is_above_one>(precision, whole);
+}
+
+Value root_of_degree(Precision const& precision, Value const& x, unsigned long degree) {
+  auto const accuracy = precision.accuracy(is_beyond_one(x.outer()));
+  return precision.image(x, accuracy, [&](Interval const& argument) {
+    return precision.functions().root(argument, degree, accuracy);
+  });
+}
+
+Value root(Precision const& precision, Operands x) {
+  auto const& degree = x[1].lower_end().lower();
+  if (!x[1].is_number() || !x[1].is_exact() || !degree.is_integer() || degree.sign() <= 0 ||
+      !mpz_fits_ulong_p(degree.numerator()))
+    throw std::domain_error("the degree of a root is not known to be a positive integer");
+  return root_of_degree(precision, x[0], mpz_get_ui(degree.numerator()));
+}
+
+Value sqrt(Precision const& precision, Operands x) { return root_of_degree(precision, x[0], 2); }
+
+using Functions = ElementaryFunctions;
+
+constexpr std::array rows = {
+    Row{Kind::number, "", 0, nullptr},
+    Row{Kind::variable, "x", 0, no_variable},
+    Row{Kind::pi, "pi", 0, pi},
+    Row{Kind::e, "e", 0, e},
+    Row{Kind::negative, "-", 1, negative, 3},
+    Row{Kind::sum, "+", 2, sum, 1},
+    Row{Kind::difference, "-", 2, difference, 1},
+    Row{Kind::product, "*", 2, product, 2},
+    Row{Kind::quotient, "/", 2, quotient, 2},
+    Row{Kind::power, "^", 2, power, 4, true},
+    Row{Kind::exp, "exp", 1, apply<&Functions::exp, is_above_one>},
+    Row{Kind::log, "log", 1, apply<&Functions::log, never>, 0, false, "ln"},
+    Row{Kind::root, "root", 2, root},
+    Row{Kind::sqrt, "sqrt", 1, sqrt},
+    Row{Kind::sin, "sin", 1, apply<&Functions::sin, never>},
+    Row{Kind::cos, "cos", 1, apply<&Functions::cos, never>},
+    Row{Kind::tan, "tan", 1, apply<&Functions::tan, never>},
+    Row{Kind::atan, "atan", 1, apply<&Functions::atan, never>},
+    Row{Kind::asin, "asin", 1, apply<&Functions::asin, never>},
+    Row{Kind::acos, "acos", 1, apply<&Functions::acos, never>},
+    Row{Kind::sinh, "sinh", 1, apply<&Functions::sinh, is_beyond_one>},
+    Row{Kind::cosh, "cosh", 1, apply<&Functions::cosh, always>},
+    Row{Kind::tanh, "tanh", 1, apply<&Functions::tanh, never>},
+};
+
+constexpr bool rows_are_in_order() {
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    if (rows[i].kind != static_cast<Kind>(i)) return false;
+  return rows.back().kind == Kind::tanh;  // the last of all
+}
+static_assert(rows_are_in_order(), "each kind has its row, where its number says");
+
+}  // namespace
+
+Row const& row_of(Kind kind) { return rows[static_cast<std::size_t>(kind)]; }
+
+std::span<Row const> all_rows() { return rows; }
+
+}  // namespace zelk::real

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <algorithm>
+#include <span>
+
+#include "zelk/numbers/q_number.h"
+#include "zelk/real/accuracy.h"
+#include "zelk/real/elementary_functions.h"
+#include "zelk/real/internal/value.h"
+#include "zelk/real/interval.h"
+
+namespace zelk::real {
+
+using Operands = std::span<Value const>;
+
+/// How precisely the parts of an expression are computed: each step adds an error of at most
+/// 10^-digits, or 10^-digits times the value where that is great. Values near 0 are not worth more
+/// digits than others: whether they matter is seen at the end, and then all digits are raised.
+class Precision {
+ public:
+  /// Requires: digits >= 1, and `functions` live longer.
+  /// Throws: std::length_error if so many digits are beyond the limit of the functions.
+  Precision(ElementaryFunctions& functions, unsigned long digits);
+
+  ElementaryFunctions& functions() const { return *answers; }
+
+  /// For a step whose results are all beyond about ±1, or are not.
+  Accuracy accuracy(bool is_great) const {
+    return is_great ? Accuracy::relative(digits) : Accuracy::absolute(digits);
+  }
+
+  /// What x is taken to by a function whose images of intervals have that accuracy.
+  template <class Function>
+  Value image(Value const& x, Accuracy accuracy, Function const& function) const;
+
+  /// a op b: exact while that is short, otherwise rounded, as long operands are before.
+  template <class Operation>
+  Value rational(Value const& a, Value const& b, Operation const& operation) const;
+
+  /// Whether numbers of so many bits are computed with exactly.
+  bool is_short(double size) const { return size <= exact_bits; }
+
+  /// Throws: std::length_error if a result of so many bits cannot be afforded. Products, and powers
+  /// all the more, take several times the room of their results.
+  void require_room(double result_bits) const;
+
+ private:
+  Interval rounded(Interval const& x, long least_magnitude) const;
+  Value rounded(Value const& x, long least_magnitude) const;
+  Value shortened_if_exact(Value const& x) const;
+  QNumber error_at(QNumber const& end, Accuracy accuracy) const;
+
+  ElementaryFunctions* answers;
+  unsigned digits;
+  long bits;
+  QNumber unit;
+  double exact_bits;
+};
+
+/// Of both parts, of the longer end.
+double size_of(Interval const& x);
+double size_of(Value const& x);
+
+template <class Function>
+Value Precision::image(Value const& x, Accuracy accuracy, Function const& function) const {
+  Interval const around = function(x.outer());
+  if (x.is_number()) return Value::number(around);
+  auto const inner = x.inner();
+  if (!inner)
+    return Value::interval(around, around);  // ends too near to each other to be told apart
+  Interval const within = x.is_exact() ? around : function(*inner);
+  // The true lower end is at most the least value on the inner interval, and that lies no farther
+  // above its bound than the accuracy allows.
+  Interval const lower_end(
+      around.lower(),
+      std::min(around.upper(), within.lower() + error_at(within.lower(), accuracy)));
+  Interval const upper_end(
+      std::max(around.lower(), within.upper() - error_at(within.upper(), accuracy)),
+      around.upper());
+  return rounded(Value::interval(lower_end, upper_end), 0);
+}
+
+template <class Operation>
+Value Precision::rational(Value const& a, Value const& b, Operation const& operation) const {
+  double const size = size_of(a) + size_of(b);
+  if (is_short(size)) {
+    auto result = operation(a, b);
+    return a.is_exact() && b.is_exact() ? result : rounded(result, 0);
+  }
+  auto const x = shortened_if_exact(a), y = shortened_if_exact(b);
+  require_room(size_of(x) + size_of(y));
+  return rounded(operation(x, y), 0);
+}
+
+}  // namespace zelk::real

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string_view>
+
+#include "zelk/real/internal/kinds.h"
+
+namespace zelk::real {
+
+/// The constant, variable or function of that name; null if there is none.
+Row const* find_name(std::string_view name);
+
+/// The operator that is written so and takes so many operands; null if there is none.
+Row const* find_operator(char symbol, unsigned arity);
+
+/// The name that takes the fewest changes of a letter to make of a wrong one; empty if all of it
+/// would have to change.
+std::string_view nearest_name(std::string_view wrong);
+
+}  // namespace zelk::real
