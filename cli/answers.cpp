@@ -27,7 +27,7 @@ void Answers::answer(Item& item) {
 void Answers::look_up_or_compute(Item& item) {
   if (auto const known = finished.find(item.query); known != finished.end()) {
     item.answer = known->second.answer;
-    item.shows_only_zeros = known->second.shows_only_zeros;
+    item.note = known->second.note;
     item.is_repeated = true;
     return;
   }
@@ -55,7 +55,7 @@ void Answers::compute(Item& item) {
   Answer const answer = solver.answer_within(share - kept, query, bits);
   item.answer = style.json ? to_json(item.query, query, answer, style)
                            : to_text(query, answer, style, " ", "; ");
-  item.shows_only_zeros = shows_only_zeros(query, answer, style);
+  item.note = note_on(query, answer, style);
 }
 
 void Answers::keep(Item const& item) {
@@ -64,7 +64,7 @@ void Answers::keep(Item const& item) {
   // The tables have the other half.
   if (kept + more > share / 2) let_go();
   if (more > share / 2) return;
-  finished.emplace(item.query, Finished{item.answer, item.shows_only_zeros});
+  finished.emplace(item.query, Finished{item.answer, item.note});
   kept += more;
 }
 

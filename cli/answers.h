@@ -22,7 +22,7 @@ struct Item {
   std::string answer;  // or the reason why there is none
   std::string_view reason;
   std::size_t offending_column = 1;  // in the query
-  bool shows_only_zeros = false;     // in the answer, as of `shows_only_zeros`
+  char const* note = nullptr;        // to be told beside the answer
   bool is_repeated = false;
   bool is_last = false;  // the command cannot go on
 
@@ -47,7 +47,7 @@ class Answers : public Reserve {
  private:
   struct Finished {
     std::string answer;
-    bool shows_only_zeros;
+    char const* note;
   };
 
   struct TextHash : std::hash<std::string_view> {

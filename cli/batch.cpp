@@ -141,7 +141,7 @@ class Batch {
       put(std::string_view(item.answer).substr(settings.style.json ? 1 : 0));
       put("\n");
       flush_now_and_then();
-      if (item.shows_only_zeros) complain_at(line, item.column, only_zeros);
+      if (item.note != nullptr) complain_at(line, item.column, item.note);
       return;
     }
     ++refused;

@@ -117,10 +117,12 @@ CLI::Option* add_option(CLI::App& to, std::string const& name, std::string& text
       ->type_name(type);
 }
 
-/// CLI11 would take -.5 for an option. With a blank in front it passes, and the blank counts for
-/// nothing in a number.
+/// CLI11 would take -.5, -pi and -(1 - e) for options. With a blank in front they pass, and the
+/// blank counts for nothing in a number or an expression.
 bool is_disguised(std::string_view word) {
-  return word.starts_with(" -.") && word.size() > 3 && word[3] >= '0' && word[3] <= '9';
+  if (!word.starts_with(" -") || word.size() < 3 || word == " -h") return false;
+  constexpr std::string_view others = "-o0123456789";
+  return others.find(word[2]) == others.npos;
 }
 
 CommandLine::CommandLine() {
@@ -205,29 +207,47 @@ void CommandLine::add_batch() {
 }
 
 void CommandLine::add_plots() {
-  auto& command = add_command("plot", "Draw bounds or convergents as an SVG image, with gnuplot",
-                              "  zelk plot exp --from -1 --to 2 --output exp.svg\n"
-                              "  zelk plot convergents 3.14159265 --output pi.svg");
-  command.require_subcommand(1);
+  auto& command = add_command(
+      "plot",
+      "Draw bounds of an expression in x, bounds or convergents as an SVG image, with gnuplot",
+      "  zelk plot 'exp(-x^2) * cos(3*x)' --from -3 --to 3 --output wave.svg\n"
+      "  zelk plot exp --from -1 --to 2 --output exp.svg\n"
+      "  zelk plot convergents 3.14159265 --output pi.svg\n"
+      "The graph of an expression lies within what is drawn, between the points too.");
+  command.require_subcommand(0, 1);
+  auto const add_range = [&](CLI::App& kind, std::string& digits) {
+    add_option(kind, "--from", plot.from, "X", "The first point");
+    add_option(kind, "--to", plot.to, "X", "The last point");
+    add_option(kind, "--points", plot.points, "N", "How many points");
+    add_option(kind, "--digits", digits, "DIGITS",
+               "Decimal digits, which say how close the bounds are");
+  };
+  auto const add_output = [&](CLI::App& kind) {
+    return add_option(kind, "-o,--output", plot.file, "FILE",
+                      "Where the image goes, required; - is standard output");
+  };
+  add_option(command, "EXPRESSION", plot.expression, "", "In x, in quotes for the shell");
+  add_output(command);
+  add_range(command, plot.expression_digits);
+  command.callback([this, &command] {
+    if (!command.get_subcommands().empty()) return;
+    if (plot.expression.empty()) throw CLI::RequiredError("a picture or EXPRESSION");
+    if (plot.file.empty()) throw CLI::RequiredError("--output");
+    plot_expression(plot, settings);
+  });
   auto const add = [&](std::string const& name, std::string const& description,
                        std::string const& example) -> CLI::App& {
     auto* const kind = command.add_subcommand(name, description);
     kind->fallthrough()->group("Pictures");
     kind->footer("Examples:\n  zelk plot " + name + ' ' + example + " --output " + name + ".svg");
-    add_option(*kind, "-o,--output", plot.file, "FILE",
-               "Where the image goes, required; - is standard output")
-        ->required();
+    add_output(*kind)->required();
     return *kind;
   };
   for (auto const& function : all_functions()) {
     if (!function.can_be_plotted) continue;
     auto& kind = add(function.name, "The bounds of " + function.name + " over a range of points",
                      "--from -1 --to 2");
-    add_option(kind, "--from", plot.from, "X", "The first point");
-    add_option(kind, "--to", plot.to, "X", "The last point");
-    add_option(kind, "--points", plot.points, "N", "How many points");
-    add_option(kind, "--digits", plot.digits, "DIGITS",
-               "Decimal digits, which say how close the bounds are");
+    add_range(kind, plot.digits);
     kind.callback([this, &function] { plot_bounds(function, plot, settings); });
   }
   auto& kind = add("convergents", "The convergents of Q", "3.14159265");
@@ -268,9 +288,10 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
     if (argument.is_option()) line += ' ' + argument.name;
     std::string_view text = given.front();
     if (is_disguised(text)) text.remove_prefix(1);
-    query.words.back() = Word{text, line.size() + 2};
-    line += ' ';
-    line += query.words.back()->text;
+    std::string_view const quote = text.find_first_of(" \t") == text.npos ? "" : "'";
+    line.append(" ").append(quote);
+    query.words.back() = Word{text, line.size() + 1};
+    line.append(text).append(quote);
   }
   for (auto const& flag : function.flags)
     if (command.count(flag.name) != 0) {
@@ -292,7 +313,7 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
     print({settings.style.json ? to_json(line, query, answer, settings.style)
                                : to_text(query, answer, settings.style, "\n", "\n"),
            "\n"});
-    if (shows_only_zeros(query, answer, settings.style)) complain({only_zeros});
+    if (auto const* const note = note_on(query, answer, settings.style)) complain({note});
     return 0;
   } catch (Refusal const& refusal) {
     if (settings.style.json) {

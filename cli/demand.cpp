@@ -3,6 +3,7 @@
 #include <gmp.h>
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 #include "zelk/convert/machine.h"
@@ -32,6 +33,21 @@ Demand continued_fraction(Query const& query, double size_of_term) {
   double const below = bits(q.denominator());
   double const terms = std::min(below == 1 ? 1 : 1.17 * below + 2, double(query.terms));
   return {terms * size_of_term, terms * bits(q)};
+}
+
+/// Expressions to so many digits: each operation holds some numbers of that size, and takes as many
+/// products as a series summed by splitting does.
+Demand evaluation(Query const& query, double digits, unsigned places) {
+  double operations = 0;
+  for (auto const& expression : query.expressions)
+    operations += static_cast<double>(expression.postfix().size());
+  double const size = 3.4 * (digits + 20);
+  return {40 * operations * size + 2 * decimals(places), 2000 * operations * size};
+}
+
+/// So many partial quotients take 1.03 digits each, on the average, by Lochs' theorem.
+double digits_of_terms(Query const& query) {
+  return query.terms == UINT_MAX ? 0 : 1.03 * query.terms;
 }
 
 /// The digits that decide the sign of sin x: a few, or, if x is near a multiple k pi, as many as x
@@ -69,7 +85,8 @@ Demand series(Query const& query, double digits, unsigned places) {
 
 }  // namespace
 
-Demand demand_of_cf(Query const& query, unsigned) {
+Demand demand_of_cf(Query const& query, unsigned places) {
+  if (!query.expressions.empty()) return evaluation(query, digits_of_terms(query), places);
   return continued_fraction(query, 1000);  // a term is held twice, in allocations of its own
 }
 
@@ -79,11 +96,20 @@ Demand demand_of_approx(Query const& query, unsigned places) {
 }
 
 Demand demand_of_convergents(Query const& query, unsigned places) {
+  if (!query.expressions.empty()) {
+    // Each is compared with the value, to twice the digits that it has itself.
+    double const digits = digits_of_terms(query);
+    auto const [held, worked_through] = evaluation(query, 2 * digits, places);
+    return {held + digits * (4000 + 10 * digits + 2 * decimals(places)),
+            worked_through * (digits + 1)};
+  }
   // Each convergent is held with its distance, and both as text.
   return continued_fraction(query, 4000 + 10 * bits(query.numbers[0]) + 2 * decimals(places));
 }
 
 Demand demand_of_simplest(Query const& query, unsigned places) {
+  if (!query.expressions.empty())
+    return evaluation(query, 2 * bits(query.numbers[0]) / std::log2(10), places);
   // All steps together are like some tens of products of the two numbers.
   double const size = bits(query.numbers[0]) + bits(query.numbers[1]);
   return {20 * size + decimals(places), 1000 * size};
@@ -108,6 +134,10 @@ Demand demand_of_pi(Query const& query, unsigned places) {
   // Some 1.8 convergents for each digit are kept, each under a key of 34 bits for each digit.
   double const square = double(*query.digits) * *query.digits;
   return {1000 * square + 2 * decimals(places), 4000 * square};
+}
+
+Demand demand_of_expression(Query const& query, unsigned places) {
+  return evaluation(query, query.digits.value_or(0), places);
 }
 
 }  // namespace zelk::cli

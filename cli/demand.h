@@ -18,5 +18,6 @@ Demand demand_of_simplest(Query const& query, unsigned places);
 Demand demand_of_exp(Query const& query, unsigned places);
 Demand demand_of_sine(Query const& query, unsigned places);
 Demand demand_of_pi(Query const& query, unsigned places);
+Demand demand_of_expression(Query const& query, unsigned places);
 
 }  // namespace zelk::cli

@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <climits>
+#include <optional>
+#include <stdexcept>
+#include <utility>
 
 #include "zelk/approx/best.h"
 #include "zelk/approx/convergents.h"
 #include "zelk/approx/cosine.h"
 #include "zelk/approx/short_bounds.h"
 #include "zelk/approx/simplest.h"
+#include "zelk/real/enclose.h"
 
 namespace zelk::cli {
 namespace {
@@ -44,7 +48,64 @@ Convergent beside(QNumber const& value, QNumber const& q) {
   return {value, value < q ? "<" : value == q ? "=" : ">", abs(value - q)};
 }
 
+/// Where the library gives up to tell.
+constexpr char undecided[] = "not decided by 10000 digits, or not the same for all of an interval";
+static_assert(real::default_most_digits == 10000);
+
+/// What `find` makes of expressions. What they do not define becomes a refusal.
+template <class Find>
+Answer certainly(Query const& query, Find const& find) {
+  try {
+    return find();
+  } catch (std::domain_error const& error) {
+    refuse(query, *query.words[0], error.what());
+  } catch (std::length_error const& error) {
+    refuse(query, *query.words[0], error.what());
+  } catch (std::invalid_argument const& error) {
+    refuse(query, *query.words[0], error.what());
+  }
+}
+
+/// Beside a value that is not known to be rational. The distance is rounded up, to three digits.
+Convergent beside(Query const& query, QNumber const& value, Approximators& approximators) {
+  auto const [bounds, is_narrow] =
+      real::enclose(approximators.functions, real::Expression(value) - query.expressions[0],
+                    real::Accuracy::relative(3));
+  if (!is_narrow) refuse(query, *query.words[0], undecided);
+  return {value,
+          bounds.sign() < 0   ? "<"
+          : bounds.sign() > 0 ? ">"
+                              : "=",
+          std::max(-bounds.lower(), bounds.upper())};
+}
+
+/// The same query of the value of its expression, where that is known to be rational.
+std::optional<Query> of_rational(Query const& query, Approximators& approximators) {
+  auto const bounds = real::enclose(approximators.functions, query.expressions[0], 0).bounds;
+  if (!bounds.is_point()) return std::nullopt;
+  Query rational = query;
+  rational.expressions.clear();
+  rational.numbers.insert(rational.numbers.begin(), bounds.lower());
+  return rational;
+}
+
+/// Requires: the value of the expression is not known to be rational.
+Terms certain_terms(Query const& query, Approximators& approximators) {
+  if (query.terms == UINT_MAX)
+    refuse(query, *query.words[0], "not known to be rational: --terms must say how many");
+  auto [terms, is_whole] = real::terms(approximators.functions, query.expressions[0], query.terms);
+  if (terms.size() < query.terms && !is_whole)
+    refuse(query, *query.words[0],
+           "only the first " + std::to_string(terms.size()) + " terms are certain");
+  return std::move(terms);
+}
+
 Answer cf(Query const& query, Approximators& approximators) {
+  if (!query.expressions.empty())
+    return certainly(query, [&]() -> Answer {
+      auto const rational = of_rational(query, approximators);
+      return rational ? cf(*rational, approximators) : certain_terms(query, approximators);
+    });
   return Subject(query, approximators).terms(query.terms);
 }
 
@@ -56,6 +117,15 @@ Answer approx(Query const& query, Approximators& approximators) {
 }
 
 Answer convergents(Query const& query, Approximators& approximators) {
+  if (!query.expressions.empty())
+    return certainly(query, [&]() -> Answer {
+      auto const rational = of_rational(query, approximators);
+      if (rational) return convergents(*rational, approximators);
+      std::vector<Convergent> all;
+      for (auto const& c : na::convergents(certain_terms(query, approximators)))
+        all.push_back(beside(query, c, approximators));
+      return all;
+    });
   Subject const subject(query, approximators);
   std::vector<Convergent> all;
   for (QNumber const& c : na::convergents(subject.terms(query.terms)))
@@ -72,7 +142,19 @@ Answer simplest(Query const& query, Approximators&) {
   return na::simplest_between(lower, upper, query.open != 0 ? na::Ends::open : na::Ends::closed);
 }
 
-Answer best(Query const& query, Approximators&) {
+Answer best(Query const& query, Approximators& approximators) {
+  if (!query.expressions.empty())
+    return certainly(query, [&]() -> Answer {
+      auto const rational = of_rational(query, approximators);
+      if (rational) return best(*rational, approximators);
+      auto const find = query.direction < 0   ? real::best_below
+                        : query.direction > 0 ? real::best_above
+                                              : real::best_nearest;
+      auto const found = find(approximators.functions, query.expressions[0], query.numbers[0],
+                              real::default_most_digits);
+      if (!found) refuse(query, *query.words[0], undecided);
+      return Best{beside(query, *found, approximators)};
+    });
   auto const find = query.direction < 0   ? na::best_below
                     : query.direction > 0 ? na::best_above
                                           : na::best_nearest;
@@ -120,11 +202,29 @@ Answer pi(Query const& query, Approximators& approximators) {
                                         : approximators.series.machin_pi_bounds(*query.digits);
 }
 
+Answer eval(Query const& query, Approximators& approximators) {
+  return certainly(query, [&]() -> Answer {
+    auto const accuracy = query.relative != 0 ? real::Accuracy::relative(*query.digits)
+                                              : real::Accuracy::absolute(*query.digits);
+    auto const found = real::enclose(approximators.functions, query.expressions[0], accuracy);
+    return Evaluation{{found.bounds.lower(), found.bounds.upper()}, found.is_narrow};
+  });
+}
+
+Answer compare(Query const& query, Approximators& approximators) {
+  return certainly(query, [&]() -> Answer {
+    auto const order =
+        real::compare(approximators.functions, query.expressions[0], query.expressions[1]);
+    if (!order) refuse(query, *query.words[0], undecided);
+    return Relation{*order < 0 ? "<" : *order > 0 ? ">" : "="};
+  });
+}
+
 }  // namespace
 
 std::span<Function const> all_functions() {
   using Kind = Argument::Kind;
-  Argument const q = {"Q", Kind::number, "A fraction or decimal"};
+  Argument const q = {"Q", Kind::value, "A fraction, decimal or expression"};
   Argument const x = {"X", Kind::number, "A fraction or decimal"};
   Argument const terms = {"--terms", Kind::terms, "Only the first N"};
   Argument const digits = {"DIGITS", Kind::digits,
@@ -139,8 +239,11 @@ std::span<Function const> all_functions() {
       {.name = "cf",
        .summary = "The continued fraction of Q",
        .examples =
-           "  zelk cf 415/93            [4; 2, 6, 7]\n"
-           "  zelk cf 415/93 --terms 2  [4; 2]\n"
+           "  zelk cf 415/93                       [4; 2, 6, 7]\n"
+           "  zelk cf 415/93 --terms 2             [4; 2]\n"
+           "  zelk cf 'log(3/2)/log(2)' --terms 8  [0; 1, 1, 2, 2, 3, 1, 5]\n"
+           "All terms of an expression are certain. If it is not known to be rational, --terms\n"
+           "must say how many.\n"
            "A negative fraction whose parts fit in 64 bits is split toward zero, -7/2 into\n"
            "[-3; -2], and with --floor into [-4; 2]; of one that does not fit all terms but the\n"
            "first are positive.",
@@ -153,7 +256,7 @@ std::span<Function const> all_functions() {
        .summary = "The convergent of Q after TERMS terms of its continued fraction",
        .examples = "  zelk approx 415/93 2          9/2\n"
                    "  zelk approx 415/93 2 --lower  58/13",
-       .arguments = {q,
+       .arguments = {{"Q", Kind::number, "A fraction or decimal"},
                      {"TERMS", Kind::terms, "How many terms, at least 1 unless Q is an integer"}},
        .flags = {{"--lower", &Query::direction, -1,
                   "The first one from there on that is at most Q; not with --upper"},
@@ -165,7 +268,11 @@ std::span<Function const> all_functions() {
        .solve = approx},
       {.name = "convergents",
        .summary = "All convergents of Q, each with its side of Q and its distance",
-       .examples = "  zelk convergents 415/93 --terms 2   4 < 43/93 and 9/2 > 7/186",
+       .examples =
+           "  zelk convergents 415/93 --terms 2   4 < 43/93 and 9/2 > 7/186\n"
+           "  zelk convergents 'sqrt(2)' --terms 5\n"
+           "Of an expression that is not known to be rational, --terms must say how many, and\n"
+           "the distances are rounded up, by less than a hundredth.",
        .arguments = {q, terms},
        .flags = {floor},
        .can_be_plotted = false,
@@ -187,6 +294,7 @@ std::span<Function const> all_functions() {
        .examples =
            "  zelk best 3.14159265358979 100          311/99\n"
            "  zelk best 3.14159265358979 100 --upper  22/7\n"
+           "  zelk best pi 1000                       355/113\n"
            "Of two as near it is the one of the smaller denominator, and of two integers the\n"
            "one nearer to 0. --format both tells its side of Q and its distance too.",
        .arguments = {q, {"N", Kind::limit, "A whole number of any size, at least 1"}},
@@ -240,6 +348,35 @@ std::span<Function const> all_functions() {
        .can_be_plotted = false,
        .demand = demand_of_pi,
        .solve = pi},
+      {.name = "eval",
+       .summary = "Bounds of an expression at most 10^-DIGITS apart, one per line",
+       .examples =
+           "  zelk eval 'log(3/2)/log(2)' 20\n"
+           "  zelk eval 'exp(-1000)' 5 --relative --format decimal\n"
+           "  zelk eval 'sin([0.1, 0.2]) - 1/3' 5\n"
+           "An expression is made of numbers, intervals such as [0.1, 0.2], pi, e, + - * / ^,\n"
+           "parentheses, and exp, log, sqrt, root(X, N), sin, cos, tan, asin, acos, atan, sinh,\n"
+           "cosh and tanh. Over an interval the bounds hold all values; each interval varies on\n"
+           "its own, so that [0, 1] - [0, 1] is [-1, 1].",
+       .arguments = {{"EXPRESSION", Kind::expression, "In quotes, for the shell"}, digits},
+       .flags = {{"--relative", &Query::relative, 1,
+                  "So many digits of the value: bounds at most 10^-DIGITS times the\n"
+                  "value apart; decimals have powers of ten"}},
+       .can_be_plotted = false,
+       .demand = demand_of_expression,
+       .solve = eval},
+      {.name = "compare",
+       .summary = "Whether A is less than B, equal or greater: <, = or >",
+       .examples =
+           "  zelk compare 'pi^e' 'exp(pi)'            <\n"
+           "  zelk compare 'sqrt(2)' 1.41421356237309  >\n"
+           "Certain, or not answered: numbers that are equal are known to be only where both are\n"
+           "rational by the rules of arithmetic, or as sqrt(4) is.",
+       .arguments = {{"A", Kind::expression, "An expression"}, {"B", Kind::expression, "Another"}},
+       .flags = {},
+       .can_be_plotted = false,
+       .demand = demand_of_expression,
+       .solve = compare},
   };
   return all;
 }

@@ -10,12 +10,13 @@
 #include "cli/query.h"
 #include "zelk/approx/power_series_approximator.h"
 #include "zelk/approx/rational_approximator.h"
+#include "zelk/real/elementary_functions.h"
 
 namespace zelk::cli {
 
 /// What follows the name of a function. If it begins with dashes, it is an option and its value.
 struct Argument {
-  enum class Kind { number, limit, terms, digits };
+  enum class Kind { number, expression, value, limit, terms, digits };
 
   std::string name;
   Kind kind;
@@ -46,12 +47,27 @@ struct Convergent {
 /// The best number within a limit; its side and distance are told when all is asked for.
 struct Best : Convergent {};
 
-using Answer = std::variant<Terms, QNumber, std::vector<Convergent>, Best, Bounds>;
+/// Bounds of an expression. The ends of a small one, or a large one, are told with a power of ten.
+struct Evaluation {
+  Bounds bounds;
+  bool is_narrow;  // as was asked for
+};
+
+/// How two numbers compare: <, = or >.
+struct Relation {
+  std::string_view sign;
+};
+
+using Answer =
+    std::variant<Terms, QNumber, std::vector<Convergent>, Best, Bounds, Evaluation, Relation>;
 
 struct Approximators {
+  explicit Approximators(double max_bits) : functions(max_bits) {}
+
   na::RationalApproximator rational;
   na::RationalApproximator floored;  // asked about numbers in big form alone
   na::PowerSeriesApproximator series{rational};
+  real::ElementaryFunctions functions;
 };
 
 /// All that the command knows of one of its functions: a new one is one more row of

@@ -7,12 +7,16 @@
 #include <cstdio>
 #include <iterator>
 #include <span>
+#include <stdexcept>
 
 #include "cli/gnuplot.h"
+#include "cli/json.h"
 #include "cli/progress.h"
 #include "cli/solver.h"
+#include "cli/terminal.h"
 #include "zelk/convert/machine.h"
 #include "zelk/convert/text.h"
+#include "zelk/real/enclose.h"
 
 namespace zelk::cli {
 namespace {
@@ -45,9 +49,16 @@ constexpr char preamble[] =
     "set grid lc rgb '#dddddd'\n"
     "set border lc rgb '#555555'\n";
 
-}  // namespace
+/// The points of a picture, from the first to the last.
+struct Range {
+  QNumber from;
+  QNumber step;
+  unsigned points;
 
-void plot_bounds(Function const& function, PlotOptions const& options, Settings const& settings) {
+  QNumber operator[](unsigned i) const { return from + QNumber(i) * step; }
+};
+
+Range read_range(PlotOptions const& options) {
   QNumber const from = parse_number(Word{options.from});
   QNumber const to = parse_number(Word{options.to});
   unsigned const points = parse_count(Word{options.points});
@@ -61,12 +72,26 @@ void plot_bounds(Function const& function, PlotOptions const& options, Settings 
     throw Refusal(Refusal::Kind::malformed,
                   "the range from " + options.from + " to " + options.to +
                       (from < to ? " is too narrow to be drawn" : " is empty"));
+  return {from, (to - from) / QNumber(points - 1L), points};
+}
+
+/// Gnuplot's own quotes within quotes.
+std::string quoted_for_gnuplot(std::string_view text) {
+  std::string quoted = "'";
+  for (char const c : text) quoted.append(c == '\'' ? "''" : std::string_view(&c, 1));
+  return quoted + '\'';
+}
+
+}  // namespace
+
+void plot_bounds(Function const& function, PlotOptions const& options, Settings const& settings) {
+  auto const range = read_range(options);
+  auto const points = range.points;
   Query query{&function};
   query.digits = parse_count(Word{options.digits});
-  QNumber const step = (to - from) / QNumber(points - 1L);
   Demand all = {0, 0};
   for (unsigned i = 0; i < points; ++i) {
-    query.numbers = {from + QNumber(i) * step};
+    query.numbers = {range[i]};
     all.worked_through += settings.limits.check(query, 0).worked_through;
   }
   settings.limits.check(all);
@@ -79,7 +104,7 @@ void plot_bounds(Function const& function, PlotOptions const& options, Settings 
                          done.load(), points);
   });
   for (unsigned i = 0; i < points; ++i, ++done) {
-    query.numbers = {from + QNumber(i) * step};
+    query.numbers = {range[i]};
     auto const [lower, upper] = std::get<Bounds>(solver.answer(query, 0));
     script += show(query.numbers[0]) + ' ' + show(lower) + ' ' + show(upper) + '\n';
   }
@@ -90,6 +115,55 @@ void plot_bounds(Function const& function, PlotOptions const& options, Settings 
       " digits', '' using 1:2 with lines lc rgb '#1f6f9f' title 'lower bound', "
       "'' using 1:3 with lines lc rgb '#c2571a' title 'upper bound'\n";
   draw_by_gnuplot(script, options.file);
+}
+
+void plot_expression(PlotOptions const& options, Settings const& settings) {
+  auto const range = read_range(options);
+  Query query{find_function("eval")};
+  auto const expression = parse_expression(Word{options.expression});
+  query.digits = parse_count(Word{options.expression_digits});
+  query.expressions = {expression};
+  auto const steps = range.points - 1;
+  Demand all = settings.limits.check(query, 0);
+  all.worked_through *= steps;
+  settings.limits.check(all);
+
+  std::string script = std::string(preamble) + "$bounds << END\n";
+  Approximators approximators(settings.limits.max_bits);
+  std::atomic<unsigned> done = 0;
+  unsigned drawn = 0;
+  {
+    Progress const progress([&](std::span<char> line, long) {
+      return std::snprintf(line.data(), line.size(), "plot: %u of %u steps", done.load(), steps);
+    });
+    for (unsigned i = 0; i < steps; ++i, ++done) {
+      real::Interval const x(range[i], range[i + 1]);
+      try {
+        auto const [bounds, is_narrow] =
+            real::enclose(approximators.functions, expression.at(x), *query.digits);
+        auto const ends = ' ' + show(bounds.lower()) + ' ' + show(bounds.upper()) + '\n';
+        script += show(x.lower()) + ends + show(x.upper()) + ends;
+        ++drawn;
+      } catch (std::domain_error const&) {
+        script += '\n';  // a gap
+      } catch (std::length_error const& error) {
+        throw Refusal(Refusal::Kind::unanswerable, error.what());
+      }
+    }
+  }
+  if (drawn == 0)
+    throw Refusal(Refusal::Kind::unanswerable,
+                  convert::quoted(options.expression) + ": not defined anywhere in the range");
+  script +=
+      "END\nset xlabel 'x'\nset key above noenhanced\n"
+      "plot $bounds using 1:2:3 with filledcurves lc rgb '#9ec9e2' title " +
+      quoted_for_gnuplot(options.expression.size() <= 60 ? options.expression : "the expression") +
+      ", '' using 1:2 with lines lc rgb '#1f6f9f' notitle, "
+      "'' using 1:3 with lines lc rgb '#1f6f9f' notitle\n";
+  draw_by_gnuplot(script, options.file);
+  if (drawn < steps)
+    complain({Decimal(steps - drawn), " of ", Decimal(steps),
+              " steps are left out, on which the expression is not defined"});
 }
 
 void plot_convergents(PlotOptions const& options, Settings const& settings) {

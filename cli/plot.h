@@ -15,6 +15,8 @@ struct PlotOptions {
   std::string points = "101";
   std::string digits = "0";
   std::string number;  // whose convergents
+  std::string expression;
+  std::string expression_digits = "6";
 };
 
 /// Draws, by gnuplot, the bounds that a function has over a range of points.
@@ -22,6 +24,11 @@ struct PlotOptions {
 /// Requires: the function can be plotted.
 /// Throws: Refusal; std::system_error when gnuplot is missing or the file cannot be written.
 void plot_bounds(Function const& function, PlotOptions const& options, Settings const& settings);
+
+/// Draws the bounds that an expression in x has over each of the steps between the points: its
+/// graph certainly lies within, also between the points. Steps on which it is not defined are left
+/// out, and told.
+void plot_expression(PlotOptions const& options, Settings const& settings);
 
 /// Draws the convergents of a number, which close in on it from both sides.
 void plot_convergents(PlotOptions const& options, Settings const& settings);

@@ -6,6 +6,7 @@
 
 #include "cli/functions.h"
 #include "zelk/convert/text.h"
+#include "zelk/real/parse.h"
 
 namespace zelk::cli {
 namespace {
@@ -23,6 +24,12 @@ class Words {
   std::optional<Word> next() {
     auto const begin = line.find_first_not_of(blanks, position);
     if (begin == std::string_view::npos) return std::nullopt;
+    if (char const quote = line[begin]; quote == '"' || quote == '\'') {
+      auto const end = line.find(quote, begin + 1);
+      if (end == std::string_view::npos) refuse({line.substr(begin), begin + 1}, "an open quote");
+      position = end + 1;
+      return Word{line.substr(begin + 1, end - begin - 1), begin + 2};
+    }
     position = std::min(line.find_first_of(blanks, begin), line.size());
     return Word{line.substr(begin, position - begin), begin + 1};
   }
@@ -85,6 +92,31 @@ void read_argument(Word const& word, Query& query) {
   refuse(word, "unexpected argument");
 }
 
+/// Whether a text has what only an expression has: a name, a parenthesis or bracket, or an operator
+/// other than the slash and the signs of a number. All else is read as a number.
+bool is_expression(std::string_view text) {
+  constexpr std::string_view digits = "0123456789.";
+  constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  char before = '\0';  // the last character that is no blank
+  for (char const c : text) {
+    if (c == ' ' || c == '\t') continue;
+    bool const follows_digit = digits.find(before) != std::string_view::npos;
+    if (std::string_view("()[]*^").find(c) != std::string_view::npos) return true;
+    if ((c == '+' || c == '-') && follows_digit) return true;
+    if (letters.find(c) != std::string_view::npos && !follows_digit) return true;
+    before = c;
+  }
+  return false;
+}
+
+/// A number, or an expression.
+void read_value(Word const& word, Query& query) {
+  if (is_expression(word.text))
+    query.expressions.push_back(parse_expression(word));
+  else
+    query.numbers.push_back(parse_number(word));
+}
+
 }  // namespace
 
 Query parse_query(std::string_view line) {
@@ -118,6 +150,12 @@ void parse_words(Query& query) {
     switch (argument.kind) {
       case Argument::Kind::number:
         query.numbers.push_back(parse_number(word));
+        break;
+      case Argument::Kind::value:
+        read_value(word, query);
+        break;
+      case Argument::Kind::expression:
+        query.expressions.push_back(parse_expression(word));
         break;
       case Argument::Kind::limit: {
         QNumber const limit = parse_number(word);
@@ -170,6 +208,15 @@ QNumber parse_number(Word const& word) {
     std::string const reason(error.reason());
     throw Refusal(Refusal::Kind::malformed, word.column + column - 1, reason,
                   convert::ParseError(word.text, column, reason).what());
+  }
+}
+
+real::Expression parse_expression(Word const& word) {
+  try {
+    return real::parse_expression(word.text);
+  } catch (convert::ParseError const& error) {
+    throw Refusal(Refusal::Kind::malformed, word.column + error.column() - 1,
+                  std::string(error.reason()), error.what());
   }
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "zelk/numbers/q_number.h"
+#include "zelk/real/expression.h"
 
 namespace zelk::cli {
 
@@ -28,6 +29,7 @@ struct Query {
 
   // What the words say.
   std::vector<QNumber> numbers = {};
+  std::vector<real::Expression> expressions = {};
   unsigned terms = UINT_MAX;  // as many as there are
   std::optional<unsigned> digits = {};
 
@@ -36,8 +38,9 @@ struct Query {
   int kind = 0;       // of bounds: those of the function itself, or one of these
   static constexpr int derivative = 1;
   static constexpr int shortened = 2;
-  int open = 0;   // whether an interval is without its ends
-  int floor = 0;  // whether the terms of a negative number are floors, whatever its size
+  int open = 0;      // whether an interval is without its ends
+  int floor = 0;     // whether the terms of a negative number are floors, whatever its size
+  int relative = 0;  // whether `digits` are those of the value, and not decimals
 };
 
 /// Why a query is not answered: it is malformed, or well formed and without an answer here.
@@ -62,8 +65,9 @@ class Refusal : public std::runtime_error {
   std::string reason;
 };
 
-/// Reads a query from its words with blanks or tabs between them, as on the command line but
-/// without quotes. The words of the result are parts of the line. Throws: Refusal.
+/// Reads a query from its words with blanks or tabs between them, as on the command line: a word in
+/// quotes, single or double, may hold blanks. The words of the result are parts of the line.
+/// Throws: Refusal.
 Query parse_query(std::string_view line);
 
 /// Sets the numbers, terms and digits of a query from its words. Throws: Refusal.
@@ -72,6 +76,9 @@ void parse_words(Query& query);
 /// A fraction or decimal. Also with blanks around it, a plus sign, or no digits on one side of the
 /// point. Throws: Refusal.
 QNumber parse_number(Word const& word);
+
+/// An expression. Throws: Refusal.
+real::Expression parse_expression(Word const& word);
 
 /// A whole number up to `most`. Throws: Refusal.
 unsigned long parse_whole(Word const& word, unsigned long most, std::string const& name = "");

@@ -21,6 +21,7 @@ Bounds ascending(Bounds const& bounds) {
 /// Writes one answer as text.
 struct Writer {
   unsigned places;
+  bool is_scientific;
   Format format;
   std::string_view separator;
   std::string_view between;
@@ -43,6 +44,15 @@ struct Writer {
     return joined(to_string(bounds.first) + std::string(separator) + to_string(bounds.second),
                   convert::to_decimal(bounds, places));
   }
+
+  std::string operator()(Evaluation const& evaluation) const {
+    auto const& [lower, upper] = evaluation.bounds;
+    return joined(to_string(lower) + std::string(separator) + to_string(upper),
+                  is_scientific ? convert::to_scientific(evaluation.bounds, places)
+                                : convert::to_decimal(evaluation.bounds, places));
+  }
+
+  std::string operator()(Relation const& relation) const { return std::string(relation.sign); }
 
   std::string operator()(std::vector<Convergent> const& convergents) const {
     std::string text;
@@ -82,6 +92,7 @@ struct Writer {
 /// by whoever reads it.
 struct JsonWriter {
   unsigned places;
+  bool is_scientific;
   Format format;
   std::string& object;
 
@@ -102,6 +113,15 @@ struct JsonWriter {
     auto const [lower, upper] = ascending(bounds);
     append(R"(,"lower":)", lower, convert::Rounding::down);
     append(R"(,"upper":)", upper, convert::Rounding::up);
+  }
+
+  void operator()(Evaluation const& evaluation) const {
+    (*this)(evaluation.bounds);
+    if (!evaluation.is_narrow) object += R"(,"narrow":false)";
+  }
+
+  void operator()(Relation const& relation) const {
+    object.append(R"(,"relation":")").append(relation.sign) += '"';
   }
 
   void operator()(std::vector<Convergent> const& convergents) const {
@@ -134,7 +154,9 @@ struct JsonWriter {
     object.append(R"(","denominator":")");
     object += slash < parts.size() ? parts.substr(slash + 1) : "1";
     if (format != Format::fraction)
-      object.append(R"(","decimal":")").append(convert::to_decimal(q, places, rounding));
+      object.append(R"(","decimal":")")
+          .append(is_scientific ? convert::to_scientific(q, places, rounding)
+                                : convert::to_decimal(q, places, rounding));
     object += R"("})";
   }
 };
@@ -143,18 +165,23 @@ struct JsonWriter {
 
 unsigned places_of(Query const& query, Style const& style) {
   if (style.format == Format::fraction) return 0;
-  if (style.places) return *style.places;
+  if (style.places) return std::max(*style.places, query.relative != 0 ? 1U : 0U);
   if (!query.digits) return places_without_digits;
   return std::min(*query.digits, UINT_MAX - places_beyond_digits) + places_beyond_digits;
 }
 
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
                     std::string_view separator, std::string_view between) {
-  return std::visit(Writer{places_of(query, style), style.format, separator, between}, answer);
+  return std::visit(
+      Writer{places_of(query, style), query.relative != 0, style.format, separator, between},
+      answer);
 }
 
+namespace {
+
+/// Whether an answer that is not 0 is shown by decimals that are all 0.
 bool shows_only_zeros(Query const& query, Answer const& answer, Style const& style) {
-  if (style.format == Format::fraction) return false;
+  if (style.format == Format::fraction || query.relative != 0) return false;
   auto const vanishes = [places = places_of(query, style)](QNumber const& q) {
     if (q.is_zero()) return true;
     // Most numbers are at least 8^-places, by their sizes alone.
@@ -172,15 +199,28 @@ bool shows_only_zeros(Query const& query, Answer const& answer, Style const& sty
   if (auto const* const value = std::get_if<QNumber>(&answer)) return all_vanish(*value, *value);
   if (auto const* const best = std::get_if<Best>(&answer))
     return all_vanish(best->value, best->value);
-  auto const* const bounds = std::get_if<Bounds>(&answer);
+  auto const* const evaluation = std::get_if<Evaluation>(&answer);
+  auto const* const bounds =
+      evaluation != nullptr ? &evaluation->bounds : std::get_if<Bounds>(&answer);
   return bounds != nullptr && all_vanish(bounds->first, bounds->second);
+}
+
+}  // namespace
+
+char const* note_on(Query const& query, Answer const& answer, Style const& style) {
+  if (auto const* const found = std::get_if<Evaluation>(&answer); found && !found->is_narrow)
+    return "wider than asked for: an interval in the expression is so wide, or its value may be 0";
+  return shows_only_zeros(query, answer, style)
+             ? "all digits shown are zeros; --digits-out or more DIGITS may show others"
+             : nullptr;
 }
 
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,
                     Style const& style) {
   std::string object = R"({"query":)";
   append_json_string(object, query_text);
-  std::visit(JsonWriter{places_of(query, style), style.format, object}, answer);
+  std::visit(JsonWriter{places_of(query, style), query.relative != 0, style.format, object},
+             answer);
   return object += '}';
 }
 

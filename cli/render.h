@@ -30,13 +30,9 @@ unsigned places_of(Query const& query, Style const& style);
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
                     std::string_view separator, std::string_view between);
 
-/// Whether an answer that is not 0 is shown by decimals that are all 0, but for an end that was
-/// rounded outward.
-bool shows_only_zeros(Query const& query, Answer const& answer, Style const& style);
-
-/// What is told then.
-constexpr char only_zeros[] =
-    "all digits shown are zeros; --digits-out or more DIGITS may show others";
+/// What is to be told beside the answer, or null: an answer that is not 0 is shown by decimals that
+/// are all 0, but for an end that was rounded outward; or bounds are farther apart than asked for.
+char const* note_on(Query const& query, Answer const& answer, Style const& style);
 
 /// The answer as a JSON object on one line. Bytes that are no UTF-8 are replaced.
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,

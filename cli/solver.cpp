@@ -4,7 +4,7 @@ namespace zelk::cli {
 
 Answer Solver::answer_within(double room, Query const& query, double bits) {
   if (held + bits > room) let_go();
-  if (!approximators) approximators = std::make_unique<Approximators>();
+  if (!approximators) approximators = std::make_unique<Approximators>(limits.max_bits);
   held += bits;
   return query.function->solve(query, *approximators);
 }

@@ -138,6 +138,7 @@ class ZELK_EXPORT QNumber {
   explicit QNumber(LowestTerms const& fraction);
 
   /// In small form whenever it fits, and without a gcd.
+  /// Throws: std::domain_error when the denominator is 0.
   static QNumber from_lowest_terms(LowestTerms const& fraction);
 
   /// In other's form; a copy in big form owns a block of its own.

@@ -1,22 +1,25 @@
 #include <algorithm>
 
 #include "zelk/numbers/integer.h"
+#include "zelk/real/internal/chord.h"
 #include "zelk/real/internal/constants.h"
+#include "zelk/real/internal/fixed_functions.h"
 #include "zelk/real/internal/fixed_point.h"
 #include "zelk/real/internal/point_functions.h"
-#include "zelk/real/internal/series.h"
 
 namespace zelk::real {
 
 Interval atan_at(QNumber const& x, long bits, Constants& constants) {
   if (x.is_zero()) return QNumber();
   bits = std::max(bits, 0L);
-  long const precision = bits + 8;
   QNumber const size = abs(x);
   bool const is_steep = QNumber(1) < size;
+  long const lost = std::min(std::abs(magnitude(x)) + 1, bits / 16 + 8);
+  mp_size_t const n = limbs_for(static_cast<unsigned long>(bits + lost) + 3);
+  long const precision = n * GMP_NUMB_BITS;
   Integer y;
   floor_scaled(y, is_steep ? size.inv() : size, precision);
-  atan_series(y, y, static_cast<unsigned long>(precision));
+  atan_fixed(y, y, n);
   if (is_steep) {
     Integer pi;
     constants.pi(pi, static_cast<unsigned long>(precision));
@@ -24,7 +27,9 @@ Interval atan_at(QNumber const& x, long bits, Constants& constants) {
     mpz_sub(y, pi, y);
   }
   if (x.sign() < 0) mpz_neg(y, y);
-  return enclosure(y, 8, precision, bits);
+  return enclosure(
+      y, 1UL << (chord_error_bits(n) + function_error_bits + static_cast<unsigned long>(lost)),
+      precision, bits);
 }
 
 }  // namespace zelk::real

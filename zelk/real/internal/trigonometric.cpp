@@ -1,10 +1,11 @@
 #include <algorithm>
 
 #include "zelk/numbers/integer.h"
+#include "zelk/real/internal/chord.h"
 #include "zelk/real/internal/constants.h"
+#include "zelk/real/internal/fixed_functions.h"
 #include "zelk/real/internal/fixed_point.h"
 #include "zelk/real/internal/point_functions.h"
-#include "zelk/real/internal/series.h"
 
 namespace zelk::real {
 
@@ -14,7 +15,9 @@ namespace {
 Interval shifted_cosine(QNumber const& x, unsigned long shift, int sign, long bits,
                         Constants& constants) {
   bits = std::max(bits, 0L);
-  long const precision = bits + 8;
+  mp_size_t const n = limbs_for(static_cast<unsigned long>(bits) + 3);
+  long const precision = n * GMP_NUMB_BITS;
+  unsigned long const error = 1UL << (chord_error_bits(n) + 1);
   long const guard = std::max(magnitude(x), 0L) + 4;
   auto const places = static_cast<unsigned long>(precision + guard);
   Integer r, pi, k;
@@ -27,18 +30,19 @@ Interval shifted_cosine(QNumber const& x, unsigned long shift, int sign, long bi
   // cos(y + k pi/2): cos y, -sin y, -cos y, sin y, and sin y = cos(pi/2 - y)
   if (turns % 2 == 1) mpz_sub(r, pi, r);
   mpz_fdiv_q_2exp(r, r, static_cast<unsigned long>(guard) + 1);
-  versine_series(r, r, static_cast<unsigned long>(precision));
-  // No farther than 8 units from -2 and 2: what is near them lies on this side.
+  if (mpz_sgn(r) < 0) mpz_set_ui(r, 0);
+  chord_squared(r, r, n, Chord::circular);
+  // No farther than the error from -2 and 2: what is near them lies on this side.
   mpz_set_ui(k, 1);
   mpz_mul_2exp(k, k, static_cast<unsigned long>(precision) + 1);
   mpz_sub(r, k, r);
-  mpz_sub_ui(k, k, 8);
+  mpz_sub_ui(k, k, error);
   if (mpz_cmp(r, k) > 0) mpz_set(r, k);
   mpz_neg(k, k);
   if (mpz_cmp(r, k) < 0) mpz_set(r, k);
   if (turns == 1 || turns == 2) sign = -sign;
   if (sign < 0) mpz_neg(r, r);
-  return enclosure(r, 8, precision + 1, bits);
+  return enclosure(r, error, precision + 1, bits);
 }
 
 }  // namespace

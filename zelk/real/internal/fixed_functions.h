@@ -1,0 +1,24 @@
+#pragma once
+
+#include <gmp.h>
+
+/// The functions on a part of the line, of integers over 2^(64 n) with n >= 1. Results are within
+/// 2^(chord_error_bits(n) + function_error_bits) units. The same integer may stand for the argument
+/// and the result.
+namespace zelk::real {
+
+constexpr unsigned long function_error_bits = 4;
+
+/// The least n with an error below 2^-bits.
+mp_size_t limbs_for(unsigned long bits);
+
+/// e^x. Requires: 1/4 <= x < 2.
+void exp_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
+
+/// log x. Requires: 4/3 <= x < 8/3.
+void log_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
+
+/// atan x, with `lost` more bits of error. Requires: 2^-lost <= x <= 1, or x^3 < 2^-(64 n).
+void atan_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
+
+}  // namespace zelk::real
