@@ -84,7 +84,7 @@ TEST(PowerSeriesApproximator, CountsItsStepsForWhomeverCounts) {
   unsigned long before = 0;
   for (auto const ask : {&Series::maclaurin_exp_bounds, &Series::maclaurin_sin_bounds}) {
     (fresh.series.*ask)(QNumber(1, 3), 100);
-    EXPECT_GT(whole.steps(), before + 40);
+    EXPECT_GE(whole.steps(), before + 40);
     before = whole.steps();
     (fresh.series.*ask)(QNumber(1, 3), 100);
     EXPECT_EQ(whole.steps(), before) << "known, and yet computed again";
