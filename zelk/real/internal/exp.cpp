@@ -4,14 +4,42 @@
 #include "zelk/numbers/integer.h"
 #include "zelk/real/internal/chord.h"
 #include "zelk/real/internal/constants.h"
+#include "zelk/real/internal/exp_splitting.h"
 #include "zelk/real/internal/fixed_functions.h"
 #include "zelk/real/internal/fixed_point.h"
 #include "zelk/real/internal/point_functions.h"
 
 namespace zelk::real {
 
+namespace {
+
+/// Whether the series at x itself is quicker than at what is left of it modulo log 2.
+bool is_short(QNumber const& x, long bits) {
+  constexpr long least_precision = 6400, times_shorter = 256;
+  return bits >= least_precision && magnitude(x) <= 1 &&
+         static_cast<long>(mpz_sizeinbase(x.numerator(), 2) + mpz_sizeinbase(x.denominator(), 2)) <=
+             bits / times_shorter;
+}
+
+Interval exp_of_short(QNumber const& x, long bits) {
+  long const precision = bits + 16;
+  auto const places = static_cast<unsigned long>(precision);
+  auto const denominator = x.denominator();
+  Integer out;
+  if (mpz_popcount(denominator) == 1) {
+    floor_scaled(out, x, precision);
+    exp_in_bursts(out, out, places);
+  } else {
+    exp_of_ratio(out, x.numerator(), denominator, places);
+  }
+  return enclosure(out, 1UL << splitting_error_bits, precision, bits);
+}
+
+}  // namespace
+
 Interval exp_at(QNumber const& x, long bits, Constants& constants) {
   if (x.is_zero()) return QNumber(1);
+  if (is_short(x, bits)) return exp_of_short(x, bits);
   Integer r, log2;
   long const size = std::max(magnitude(x), 0L);
   if (size > 62) {
