@@ -48,7 +48,7 @@ Interval enclosure(mpz_srcptr mid, unsigned long error, long precision, long bit
   mpz_neg(upper, upper);
   shift(upper, upper, by);
   mpz_neg(upper, upper);
-  return {dyadic(lower, bits + 1), dyadic(upper, bits + 1)};
+  return Interval(Interval::Ordered{dyadic(lower, bits + 1), dyadic(upper, bits + 1)});
 }
 
 }  // namespace zelk::real

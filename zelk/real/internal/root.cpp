@@ -32,8 +32,9 @@ Interval root_by_logarithm(QNumber const& x, unsigned long degree, long bits,
   long const size = std::max(magnitude(x), 0L) / static_cast<long>(std::min(degree, 1UL << 62)) + 1;
   // Exponents 2^-(bits + size + 4) apart have exponentials less than 2^-(bits + 3) apart.
   Interval const log = log_at(x, bits + size + 4, constants);
-  return {exp_at(log.lower() / divisor, bits + 2, constants).lower(),
-          exp_at(log.upper() / divisor, bits + 2, constants).upper()};
+  return Interval(
+      Interval::Ordered{exp_at(log.lower() / divisor, bits + 2, constants).lower(),
+                        exp_at(log.upper() / divisor, bits + 2, constants).upper()});
 }
 
 }  // namespace
@@ -49,7 +50,7 @@ Interval root_at(QNumber const& x, unsigned long degree, long bits, Constants& c
   else
     mpz_root(below, below, degree);
   mpz_add_ui(above, below, 1);
-  return {dyadic(below, bits + 1), dyadic(above, bits + 1)};
+  return Interval(Interval::Ordered{dyadic(below, bits + 1), dyadic(above, bits + 1)});
 }
 
 }  // namespace zelk::real
