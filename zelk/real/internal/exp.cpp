@@ -32,7 +32,7 @@ Interval exp_of_short(QNumber const& x, long bits) {
   } else {
     exp_of_ratio(out, x.numerator(), denominator, places);
   }
-  return enclosure(out, 1UL << splitting_error_bits, precision, bits);
+  return enclosure(out, splitting_error_bits, precision, bits);
 }
 
 }  // namespace
@@ -47,7 +47,7 @@ Interval exp_at(QNumber const& x, long bits, Constants& constants) {
     mpz_set_ui(r, 1);
     return {QNumber(), dyadic(r, bits)};
   }
-  // x = exponent log 2 + r with 1/4 <= r < 1/4 + log 2, or nearly so
+  // x = exponent log 2 + r with 3/8 <= r < 3/8 + log 2, or within 1/32 of that
   constexpr long places = 8;
   floor_scaled(r, x, size + places);
   mpz_set_ui(log2, 3UL << (places - 3));
@@ -70,8 +70,7 @@ Interval exp_at(QNumber const& x, long bits, Constants& constants) {
     mpz_addmul_ui(r, log2, static_cast<unsigned long>(-exponent));
   mpz_fdiv_q_2exp(r, r, static_cast<unsigned long>(size) + 2);
   exp_fixed(r, r, n);
-  return enclosure(r, 1UL << (chord_error_bits(n) + function_error_bits), precision - exponent,
-                   bits);
+  return enclosure(r, chord_error_bits(n) + function_error_bits, precision - exponent, bits);
 }
 
 }  // namespace zelk::real

@@ -39,9 +39,9 @@ std::optional<Exponents> factor(QNumber const& x) {
 }
 
 Interval log_of_product(Exponents const& exponents, long bits, Constants& constants) {
-  // Two words have less than 128 factors in all: that many times 2 units are lost.
-  constexpr unsigned long error = 256;
-  long const precision = bits + 10;
+  // Two words have less than 128 factors in all, and each may lose 2 units.
+  constexpr unsigned long error_bits = 8;
+  long const precision = bits + 3 + static_cast<long>(error_bits);
   Integer sum, log;
   for (std::size_t i = 0; i < exponents.size(); ++i) {
     if (exponents[i] == 0) continue;
@@ -51,7 +51,7 @@ Interval log_of_product(Exponents const& exponents, long bits, Constants& consta
     else
       mpz_submul_ui(sum, log, static_cast<unsigned long>(-exponents[i]));
   }
-  return enclosure(sum, error, precision, bits);
+  return enclosure(sum, error_bits, precision, bits);
 }
 
 }  // namespace
@@ -83,7 +83,7 @@ Interval log_at(QNumber const& x, long bits, Constants& constants) {
     mpz_fdiv_q_2exp(log2, log2, size);
     mpz_add(m, m, log2);
   }
-  return enclosure(m, 1UL << (chord_error_bits(n) + function_error_bits), precision, bits);
+  return enclosure(m, chord_error_bits(n) + function_error_bits, precision, bits);
 }
 
 }  // namespace zelk::real

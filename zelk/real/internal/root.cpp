@@ -32,9 +32,8 @@ Interval root_by_logarithm(QNumber const& x, unsigned long degree, long bits,
   long const size = std::max(magnitude(x), 0L) / static_cast<long>(std::min(degree, 1UL << 62)) + 1;
   // Exponents 2^-(bits + size + 4) apart have exponentials less than 2^-(bits + 3) apart.
   Interval const log = log_at(x, bits + size + 4, constants);
-  return Interval(
-      Interval::Ordered{exp_at(log.lower() / divisor, bits + 2, constants).lower(),
-                        exp_at(log.upper() / divisor, bits + 2, constants).upper()});
+  return Interval(Interval::Ordered{exp_at(log.lower() / divisor, bits + 2, constants).lower(),
+                                    exp_at(log.upper() / divisor, bits + 2, constants).upper()});
 }
 
 }  // namespace
