@@ -5,8 +5,6 @@
 #include "benchmarks/peers.h"
 #include "benchmarks/row.h"
 
-#include <arb.h>
-
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
@@ -23,6 +21,7 @@ int main(int argc, char** argv) {
   zelk::bench::enter_expansion();
   zelk::bench::enter_lookup();
   zelk::bench::enter_series();
+  zelk::bench::enter_elementary();
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
 }

@@ -8,6 +8,7 @@
 #include "zelk/numbers/q_number.h"
 
 // After the others: it defines the words slong and ulong as macros.
+#include <arb.h>
 #include <flint/fmpq.h>
 
 /// The rationals of the peers, and the way from one to another, for operands and answers.
@@ -58,6 +59,19 @@ class Fmpq {
  private:
   fmpq_t own;
 };
+
+/// A ball as two exact rationals.
+inline std::pair<Fmpq, Fmpq> ends_of(arb_t const ball) {
+  arf_t end;
+  arf_init(end);
+  std::pair<Fmpq, Fmpq> ends;
+  arb_get_lbound_arf(end, ball, ARF_PREC_EXACT);
+  arf_get_fmpq(ends.first, end);
+  arb_get_ubound_arf(end, ball, ARF_PREC_EXACT);
+  arf_get_fmpq(ends.second, end);
+  arf_clear(end);
+  return ends;
+}
 
 inline mpq_class floor(mpq_class const& q) {
   mpq_class whole;

@@ -29,6 +29,10 @@ SECTIONS = [
      "turned into two rationals (those of pi not the simple ones that the others find). The bare "
      "expansion stands for the least that the bounds of pi can cost: both ends expanded, and every "
      "convergent copied out with its key, but nothing summed."),
+    ("Elementary functions over intervals", ("Elementary",),
+     "One object answers all, so that its constants are computed already, as Arb's are. Arb computes "
+     "a ball at that many digits after the point, which is then turned into two rationals; this "
+     "library's ends are short ones, with about half as many digits."),
     ("Continued fractions", ("Continued",),
      "All terms of a random fraction; this library also enters them in its cache."),
     ("Repeated queries", ("Repeated",),

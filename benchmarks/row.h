@@ -48,5 +48,6 @@ void enter_arithmetic();
 void enter_expansion();
 void enter_lookup();
 void enter_series();
+void enter_elementary();
 
 }  // namespace zelk::bench

@@ -9,8 +9,6 @@
 #include "tests/support/plain_series.h"
 #include "zelk/approx/power_series_approximator.h"
 
-#include <arb.h>
-
 // What arb_const_pi calls when the value it has kept does not reach: no header declares it.
 extern "C" void arb_const_pi_chudnovsky_eval(arb_t pi, slong bits);
 
@@ -96,14 +94,7 @@ Ends<Fmpq> by_arb(Query const& query, Fmpq const& x) {
     default:
       arb_const_pi_chudnovsky_eval(ball, bits);
   }
-  arf_t end;
-  arf_init(end);
-  Ends<Fmpq> ends;
-  arb_get_lbound_arf(end, ball, ARF_PREC_EXACT);
-  arf_get_fmpq(ends.first, end);
-  arb_get_ubound_arf(end, ball, ARF_PREC_EXACT);
-  arf_get_fmpq(ends.second, end);
-  arf_clear(end);
+  auto ends = ends_of(ball);
   arb_clear(ball);
   return ends;
 }

@@ -185,7 +185,7 @@ Interval ElementaryFunctions::root(Interval const& x, unsigned long degree, Accu
   return monotone_image(x, true, [&](QNumber const& point) {
     if (point.is_zero()) return exactly(0);
     auto const at = [&](long bits) {
-      auto const magnitude = root_at(abs(point), degree, bits);
+      auto const magnitude = root_at(abs(point), degree, bits, *constants);
       return point.sign() < 0 ? -magnitude : magnitude;
     };
     return enclose(goal, at, magnitude(point) / static_cast<long>(degree));

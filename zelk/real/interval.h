@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <concepts>
 #include <optional>
 #include <utility>
@@ -23,6 +24,15 @@ class ZELK_EXPORT Interval {
 
   /// [lower, upper]. Throws: std::domain_error if lower > upper.
   Interval(QNumber lower, QNumber upper);
+
+  /// Ends that are in order, which is not tested: a comparison of long ends takes a product.
+  struct Ordered {
+    QNumber lower;
+    QNumber upper;
+  };
+  explicit Interval(Ordered ends) : low(std::move(ends.lower)), high(std::move(ends.upper)) {
+    assert(!(high < low));
+  }
 
   QNumber const& lower() const ZELK_LIFETIMEBOUND { return low; }
   QNumber const& upper() const ZELK_LIFETIMEBOUND { return high; }

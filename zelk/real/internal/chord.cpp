@@ -71,7 +71,7 @@ unsigned long square_root(unsigned long n) {
 
 unsigned long chord_halvings(mp_size_t n) {
   unsigned long s = 3;
-  while (s * s * s < 24 * static_cast<unsigned long>(n)) ++s;
+  while (s * s * s < 40 * static_cast<unsigned long>(n)) ++s;
   return s;
 }
 

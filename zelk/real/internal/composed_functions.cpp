@@ -22,7 +22,7 @@ long bits_of(QNumber const& q) {
 
 /// atan of the root of a square, which is at most 2^-bits wide.
 Interval atan_of_root(QNumber const& square, long bits, Constants& constants) {
-  auto const root = root_at(square, 2, bits + 2);
+  auto const root = root_at(square, 2, bits + 2, constants);
   auto const angle = atan_at(root.lower(), bits + 2, constants);
   // The slope of atan is at most 1.
   return {angle.lower(), angle.upper() + root.width()};
@@ -108,14 +108,16 @@ Interval pow_at(QNumber const& x, QNumber const& y, long bits, Constants& consta
   auto const degree = zelk::denominator(y);
   // Of irreducible p/q, x^(p/q) is rational only if x is the q-th power of a rational.
   auto const small_degree = small_exponent(x, degree, bits);
-  auto const base =
-      small_degree ? root_at(x, static_cast<unsigned long>(*small_degree), 64) : Interval(0, 1);
+  auto const base = small_degree
+                        ? root_at(x, static_cast<unsigned long>(*small_degree), 64, constants)
+                        : Interval(0, 1);
   if (base.is_point())
     if (auto const exponent = small_exponent(base.lower(), numerator, bits))
       return zelk::pow(base.lower(), *exponent);
   if (small_degree)
     if (auto const exponent = small_exponent(x, numerator, bits))
-      return root_at(zelk::pow(x, *exponent), static_cast<unsigned long>(*small_degree), bits);
+      return root_at(zelk::pow(x, *exponent), static_cast<unsigned long>(*small_degree), bits,
+                     constants);
   return pow_by_logarithm(x, y, bits, constants);
 }
 

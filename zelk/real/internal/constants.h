@@ -2,31 +2,34 @@
 
 #include <gmp.h>
 
+#include <array>
+
 #include "zelk/numbers/integer.h"
 
 namespace zelk::real {
 
-/// pi and log 2, kept at the best precision met.
+/// pi and the logarithms of the primes up to 7, kept at the best precision met.
 class Constants {
  public:
-  /// below/2^bits <= pi <= (below + units)/2^bits, and log 2 likewise.
-  void pi(mpz_ptr below, unsigned long bits) { truncate(pi_kept, below, bits); }
-  void log2(mpz_ptr below, unsigned long bits) { truncate(log2_kept, below, bits); }
+  /// below/2^bits <= pi <= (below + units)/2^bits, and the logarithms likewise.
+  void pi(mpz_ptr below, unsigned long bits);
+  void log2(mpz_ptr below, unsigned long bits) { log_of_prime(below, 0, bits); }
+
+  /// Of primes[index].
+  void log_of_prime(mpz_ptr below, std::size_t index, unsigned long bits);
+
   static constexpr unsigned long units = 2;
+  static constexpr std::array<unsigned long, 4> primes{2, 3, 5, 7};
 
  private:
-  struct Kept {
-    void (*compute)(mpz_ptr below, unsigned long bits);  // a unit below the constant at most
-    Integer below;
-    unsigned long bits = 0;
-  };
+  void compute_pi(unsigned long bits);
+  void compute_logs(unsigned long bits);
 
-  static void compute_pi(mpz_ptr below, unsigned long bits);
-  static void compute_log2(mpz_ptr below, unsigned long bits);
-  static void truncate(Kept& kept, mpz_ptr below, unsigned long bits);
-
-  Kept pi_kept{compute_pi, {}, 0};
-  Kept log2_kept{compute_log2, {}, 0};
+  // A unit below the constants at most.
+  Integer kept_pi;
+  unsigned long pi_bits = 0;
+  std::array<Integer, 4> kept_logs;
+  unsigned long log_bits = 0;
 };
 
 }  // namespace zelk::real

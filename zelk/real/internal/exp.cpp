@@ -4,14 +4,42 @@
 #include "zelk/numbers/integer.h"
 #include "zelk/real/internal/chord.h"
 #include "zelk/real/internal/constants.h"
+#include "zelk/real/internal/exp_splitting.h"
 #include "zelk/real/internal/fixed_functions.h"
 #include "zelk/real/internal/fixed_point.h"
 #include "zelk/real/internal/point_functions.h"
 
 namespace zelk::real {
 
+namespace {
+
+/// Whether the series at x itself is quicker than at what is left of it modulo log 2.
+bool is_short(QNumber const& x, long bits) {
+  constexpr long least_precision = 6400, times_shorter = 256;
+  return bits >= least_precision && magnitude(x) <= 1 &&
+         static_cast<long>(mpz_sizeinbase(x.numerator(), 2) + mpz_sizeinbase(x.denominator(), 2)) <=
+             bits / times_shorter;
+}
+
+Interval exp_of_short(QNumber const& x, long bits) {
+  long const precision = bits + 16;
+  auto const places = static_cast<unsigned long>(precision);
+  auto const denominator = x.denominator();
+  Integer out;
+  if (mpz_popcount(denominator) == 1) {
+    floor_scaled(out, x, precision);
+    exp_in_bursts(out, out, places);
+  } else {
+    exp_of_ratio(out, x.numerator(), denominator, places);
+  }
+  return enclosure(out, splitting_error_bits, precision, bits);
+}
+
+}  // namespace
+
 Interval exp_at(QNumber const& x, long bits, Constants& constants) {
   if (x.is_zero()) return QNumber(1);
+  if (is_short(x, bits)) return exp_of_short(x, bits);
   Integer r, log2;
   long const size = std::max(magnitude(x), 0L);
   if (size > 62) {
@@ -19,7 +47,7 @@ Interval exp_at(QNumber const& x, long bits, Constants& constants) {
     mpz_set_ui(r, 1);
     return {QNumber(), dyadic(r, bits)};
   }
-  // x = exponent log 2 + r with 1/4 <= r < 1/4 + log 2, or nearly so
+  // x = exponent log 2 + r with 3/8 <= r < 3/8 + log 2, or within 1/32 of that
   constexpr long places = 8;
   floor_scaled(r, x, size + places);
   mpz_set_ui(log2, 3UL << (places - 3));
@@ -42,8 +70,7 @@ Interval exp_at(QNumber const& x, long bits, Constants& constants) {
     mpz_addmul_ui(r, log2, static_cast<unsigned long>(-exponent));
   mpz_fdiv_q_2exp(r, r, static_cast<unsigned long>(size) + 2);
   exp_fixed(r, r, n);
-  return enclosure(r, 1UL << (chord_error_bits(n) + function_error_bits), precision - exponent,
-                   bits);
+  return enclosure(r, chord_error_bits(n) + function_error_bits, precision - exponent, bits);
 }
 
 }  // namespace zelk::real

@@ -93,7 +93,7 @@ void exp_in_bursts(mpz_ptr out, mpz_srcptr x, unsigned long bits) {
   Integer const one(1UL);
   mpz_setbit(sum, bits);
   // The bits of x from place to place, ever more at a time.
-  for (unsigned long place = 8; mpz_sgn(rest.get()) != 0; place *= 2) {
+  for (unsigned long place = 24; mpz_sgn(rest.get()) != 0; place *= 2) {
     place = std::min(place, bits);
     mpz_tdiv_q_2exp(part, rest, bits - place);
     mpz_tdiv_r_2exp(rest, rest, bits - place);

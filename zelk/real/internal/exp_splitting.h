@@ -4,8 +4,9 @@
 
 namespace zelk::real {
 
-/// e^x over 2^bits, within 2^10 units. Cost: O(M(bits) log^2 bits), where M(n) is the time of GMP's
-/// multiplication, and less if x is short.
+/// e^x over 2^bits, within 2^splitting_error_bits units. Cost: O(M(bits) log^2 bits), where M(n) is
+/// the time of GMP's multiplication, and less if x is short.
+constexpr unsigned long splitting_error_bits = 10;
 
 /// Of x over 2^bits. Requires: |x| < 2.
 void exp_in_bursts(mpz_ptr out, mpz_srcptr x, unsigned long bits);

@@ -2,11 +2,15 @@
 
 #include "zelk/numbers/integer.h"
 #include "zelk/real/internal/chord.h"
+#include "zelk/real/internal/exp_splitting.h"
 #include "zelk/real/internal/word_functions.h"
 
 namespace zelk::real {
 
 namespace {
+
+/// From where on the exponential is quicker by splitting than by halvings.
+constexpr mp_size_t limbs_for_bursts = 1900;
 
 unsigned long bits_of(mp_size_t n) { return static_cast<unsigned long>(n) * GMP_NUMB_BITS; }
 
@@ -42,6 +46,10 @@ void divide(mpz_ptr n, mpz_srcptr d, mp_size_t limbs) {
 mp_size_t limbs_for(unsigned long bits) { return chord_limbs(bits + function_error_bits); }
 
 void exp_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n) {
+  if (n >= limbs_for_bursts) {
+    exp_in_bursts(out, x, bits_of(n));
+    return;
+  }
   // With w = 2 cosh x - 2, e^x = cosh x + sinh x = (2 + w + sqrt(w (4 + w)))/2.
   Integer w, root;
   chord_squared(w, x, n, Chord::hyperbolic);

@@ -12,13 +12,14 @@ constexpr unsigned long function_error_bits = 4;
 /// The least n with an error below 2^-bits.
 mp_size_t limbs_for(unsigned long bits);
 
-/// e^x. Requires: 1/4 <= x < 2.
+/// e^x. Requires: 1/5 <= x < 2.
 void exp_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
 
 /// log x. Requires: 4/3 <= x < 8/3.
 void log_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
 
-/// atan x, with `lost` more bits of error. Requires: 2^-lost <= x <= 1, or x^3 < 2^-(64 n).
+/// atan x. Requires: 0 <= x <= 1. Of an x < 2^-lost there are `lost` more bits of error, up to
+/// lost = 3n + 4, from where on there are none.
 void atan_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
 
 }  // namespace zelk::real

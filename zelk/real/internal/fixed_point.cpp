@@ -1,6 +1,7 @@
 #include "zelk/real/internal/fixed_point.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "zelk/numbers/integer.h"
 
@@ -38,17 +39,18 @@ QNumber dyadic(mpz_srcptr n, long bits) {
   return QNumber::from_lowest_terms({numerator, denominator});
 }
 
-Interval enclosure(mpz_srcptr mid, unsigned long error, long precision, long bits) {
-  // Two integers around an interval that is at most 1 wide are at most 2 apart.
-  long const by = bits + 1 - precision;
+Interval enclosure(mpz_srcptr mid, unsigned long error_bits, long precision, long bits) {
+  assert(precision - static_cast<long>(error_bits) >= bits + 3);
+  // In units of 2^error_bits the value lies from 1 below to 2 above the floor of mid, and 3 of them
+  // are less than a unit of the result: integers around are at most 2 apart.
+  long const by = bits + 1 - (precision - static_cast<long>(error_bits));
   Integer lower, upper;
-  mpz_sub_ui(lower, mid, error);
-  shift(lower, lower, by);
-  mpz_add_ui(upper, mid, error);
-  mpz_neg(upper, upper);
-  shift(upper, upper, by);
-  mpz_neg(upper, upper);
-  return {dyadic(lower, bits + 1), dyadic(upper, bits + 1)};
+  mpz_fdiv_q_2exp(upper, mid, error_bits);
+  mpz_sub_ui(lower, upper, 1);
+  mpz_fdiv_q_2exp(lower, lower, static_cast<unsigned long>(-by));
+  mpz_add_ui(upper, upper, 2);
+  mpz_cdiv_q_2exp(upper, upper, static_cast<unsigned long>(-by));
+  return Interval(Interval::Ordered{dyadic(lower, bits + 1), dyadic(upper, bits + 1)});
 }
 
 }  // namespace zelk::real

@@ -25,8 +25,8 @@ long magnitude(QNumber const& x);
 /// n / 2^bits.
 QNumber dyadic(mpz_srcptr n, long bits);
 
-/// [mid - error, mid + error] / 2^precision, moved outward to integers over 2^(bits+1): at most
-/// 2^-bits wide. Requires: 2 error / 2^precision <= 2^-(bits+1).
-Interval enclosure(mpz_srcptr mid, unsigned long error, long precision, long bits);
+/// An interval that holds all numbers within 2^error_bits units of mid/2^precision, whose ends are
+/// integers over 2^(bits+1): at most 2^-bits wide. Requires: precision - error_bits >= bits + 3.
+Interval enclosure(mpz_srcptr mid, unsigned long error_bits, long precision, long bits);
 
 }  // namespace zelk::real

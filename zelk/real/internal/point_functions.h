@@ -24,7 +24,7 @@ Interval atan_at(QNumber const& x, long bits, Constants& constants);
 Interval pi_at(long bits, Constants& constants);
 
 /// The root of that degree; exact where it is rational. Requires: x >= 0 and degree >= 1.
-Interval root_at(QNumber const& x, unsigned long degree, long bits);
+Interval root_at(QNumber const& x, unsigned long degree, long bits, Constants& constants);
 
 /// floor(x / (pi/2)), certain: the sum of k pi/2 and a number in [0, pi/2) is x.
 QNumber quadrant_of(QNumber const& x, Constants& constants);

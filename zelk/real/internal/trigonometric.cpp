@@ -15,34 +15,36 @@ namespace {
 Interval shifted_cosine(QNumber const& x, unsigned long shift, int sign, long bits,
                         Constants& constants) {
   bits = std::max(bits, 0L);
-  mp_size_t const n = limbs_for(static_cast<unsigned long>(bits) + 3);
+  mp_size_t const n = chord_limbs(static_cast<unsigned long>(bits) + 2);
   long const precision = n * GMP_NUMB_BITS;
-  unsigned long const error = 1UL << (chord_error_bits(n) + 1);
+  unsigned long const error_bits = chord_error_bits(n);
+  // |x| = k pi/2 + r with 0 <= r < pi/2, or nearly so; r in halves of units
   long const guard = std::max(magnitude(x), 0L) + 4;
-  auto const places = static_cast<unsigned long>(precision + guard);
   Integer r, pi, k;
   floor_scaled(r, abs(x), precision + guard + 1);
-  constants.pi(pi, places);
+  constants.pi(pi, static_cast<unsigned long>(precision + guard));
   mpz_fdiv_q(k, r, pi);
-  mpz_submul(r, k, pi);  // in halves
-  mpz_fdiv_r_2exp(k, k, 2);
-  unsigned long const turns = (mpz_get_ui(k) + 4 - shift) % 4;
-  // cos(y + k pi/2): cos y, -sin y, -cos y, sin y, and sin y = cos(pi/2 - y)
+  mpz_submul(r, k, pi);
+  // cos(r + k pi/2): cos r, -sin r, -cos r, sin r, and sin r = cos(pi/2 - r)
+  unsigned long const turns = (mpz_fdiv_ui(k, 4) + 4 - shift) % 4;
   if (turns % 2 == 1) mpz_sub(r, pi, r);
   mpz_fdiv_q_2exp(r, r, static_cast<unsigned long>(guard) + 1);
-  if (mpz_sgn(r) < 0) mpz_set_ui(r, 0);
+  if (mpz_sgn(r.get()) < 0) mpz_set_ui(r, 0);
   chord_squared(r, r, n, Chord::circular);
-  // No farther than the error from -2 and 2: what is near them lies on this side.
-  mpz_set_ui(k, 1);
-  mpz_mul_2exp(k, k, static_cast<unsigned long>(precision) + 1);
-  mpz_sub(r, k, r);
-  mpz_sub_ui(k, k, error);
-  if (mpz_cmp(r, k) > 0) mpz_set(r, k);
-  mpz_neg(k, k);
-  if (mpz_cmp(r, k) < 0) mpz_set(r, k);
   if (turns == 1 || turns == 2) sign = -sign;
-  if (sign < 0) mpz_neg(r, r);
-  return enclosure(r, error, precision + 1, bits);
+  // Twice the cosine, moved inward so far that what encloses it ends at ±2.
+  Integer value, limit;
+  mpz_setbit(value, static_cast<unsigned long>(precision) + 1);
+  mpz_setbit(limit, static_cast<unsigned long>(precision) + 1 - error_bits);
+  mpz_sub(value, value, r);
+  mpz_sub_ui(limit, limit, 2);
+  mpz_mul_2exp(limit, limit, error_bits);
+  if (mpz_cmpabs(value, limit) > 0) {
+    if (mpz_sgn(value.get()) < 0) sign = -sign;
+    mpz_swap(value, limit);
+  }
+  if (sign < 0) mpz_neg(value, value);
+  return enclosure(value, error_bits, precision + 1, bits);
 }
 
 }  // namespace
@@ -80,7 +82,7 @@ Interval pi_at(long bits, Constants& constants) {
   Integer pi;
   constants.pi(pi, static_cast<unsigned long>(bits) + 8);
   mpz_add_ui(pi, pi, 1);
-  return enclosure(pi, 1, bits + 8, bits);
+  return enclosure(pi, 0, bits + 8, bits);
 }
 
 }  // namespace zelk::real
