@@ -184,8 +184,14 @@ Interval ElementaryFunctions::root(Interval const& x, unsigned long degree, Accu
   Goal const goal(accuracy, most_bits);
   return monotone_image(x, true, [&](QNumber const& point) {
     if (point.is_zero()) return exactly(0);
+    auto const size = abs(point);
+    // Rationals but 0 and 1 have powers longer than their degree, so that no rational root is missed
+    // by logarithms; and integers as long as the degree are not made.
+    bool const is_great =
+        degree > mpz_sizeinbase(size.numerator(), 2) + mpz_sizeinbase(size.denominator(), 2);
     auto const at = [&](long bits) {
-      auto const magnitude = root_at(abs(point), degree, bits);
+      auto const magnitude = is_great ? pow_at(size, QNumber(1, degree), bits, *constants)
+                                      : root_at(size, degree, bits);
       return point.sign() < 0 ? -magnitude : magnitude;
     };
     return enclose(goal, at, magnitude(point) / static_cast<long>(degree));
