@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 #include "zelk/numbers/functions.h"
 
@@ -10,13 +11,21 @@ namespace zelk::real {
 
 namespace {
 
-/// About log2 |q|, at most. Requires: q is not 0.
+/// About log2 |q|, also near 1, where it is small. Requires: q is not 0.
 double log2_of(QNumber const& q) {
-  long numerator_exponent = 0, denominator_exponent = 0;
-  double const numerator = mpz_get_d_2exp(&numerator_exponent, q.numerator());
-  double const denominator = mpz_get_d_2exp(&denominator_exponent, q.denominator());
-  return std::log2(std::abs(numerator) / denominator) +
-         static_cast<double>(numerator_exponent - denominator_exponent);
+  // Of two integers, and of the exponents that their doubles would not hold.
+  auto const quotient = [](mpz_srcptr n, mpz_srcptr d) {
+    long exponent_of_n = 0, exponent_of_d = 0;
+    double const mantissas = mpz_get_d_2exp(&exponent_of_n, n) / mpz_get_d_2exp(&exponent_of_d, d);
+    return std::pair(mantissas, static_cast<double>(exponent_of_n - exponent_of_d));
+  };
+  auto const size = abs(q);
+  auto const [mantissas, exponent] = quotient(size.numerator(), size.denominator());
+  if (std::abs(exponent) > 1) return std::log2(mantissas) + exponent;
+  auto const beyond_one = size - 1;
+  if (beyond_one.is_zero()) return 0;
+  auto const [part, scale] = quotient(beyond_one.numerator(), beyond_one.denominator());
+  return std::log1p(part * std::exp2(scale)) / std::log(2);
 }
 
 // Where results are asked for with so many significant digits, whatever their size; elsewhere they
