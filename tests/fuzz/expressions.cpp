@@ -1,13 +1,15 @@
 #include <mpfi.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <deque>
+#include <iterator>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/fuzz/body.h"
@@ -85,42 +87,31 @@ class Oracle {
   }
 
   bool apply(Kind kind) {
-    using Function = int (*)(mpfi_ptr, mpfi_srcptr);
-    using Operator = int (*)(mpfi_ptr, mpfi_srcptr, mpfi_srcptr);
-    struct {
-      Kind kind;
-      Function function;
-    } const functions[] = {
+    static std::map<Kind, int (*)(mpfi_ptr, mpfi_srcptr)> const functions = {
         {Kind::negative, mpfi_neg}, {Kind::exp, mpfi_exp},   {Kind::log, mpfi_log},
         {Kind::sqrt, mpfi_sqrt},    {Kind::sin, mpfi_sin},   {Kind::cos, mpfi_cos},
         {Kind::tan, mpfi_tan},      {Kind::atan, mpfi_atan}, {Kind::asin, mpfi_asin},
         {Kind::acos, mpfi_acos},    {Kind::sinh, mpfi_sinh}, {Kind::cosh, mpfi_cosh},
         {Kind::tanh, mpfi_tanh}};
-    struct {
-      Kind kind;
-      Operator function;
-    } const operators[] = {{Kind::sum, mpfi_add},
-                           {Kind::difference, mpfi_sub},
-                           {Kind::product, mpfi_mul},
-                           {Kind::quotient, mpfi_div}};
+    static std::map<Kind, int (*)(mpfi_ptr, mpfi_srcptr, mpfi_srcptr)> const operators = {
+        {Kind::sum, mpfi_add},
+        {Kind::difference, mpfi_sub},
+        {Kind::product, mpfi_mul},
+        {Kind::quotient, mpfi_div}};
     if (kind == Kind::pi || kind == Kind::e) {
       push(1);
-      auto* const x = &values.back();
-      kind == Kind::pi ? mpfi_const_pi(x) : mpfi_exp(x, x);
-      return true;
+      kind == Kind::pi ? mpfi_const_pi(&values.back()) : mpfi_exp(&values.back(), &values.back());
+    } else if (functions.contains(kind)) {
+      functions.at(kind)(&values.back(), &values.back());
+    } else if (operators.contains(kind)) {
+      auto* const first = &values[values.size() - 2];
+      operators.at(kind)(first, first, &values.back());
+      mpfi_clear(&values.back());
+      values.pop_back();
+    } else {
+      return false;
     }
-    auto* const last = &values.back();
-    for (auto const& row : functions)
-      if (row.kind == kind) return row.function(last, last), true;
-    for (auto const& row : operators)
-      if (row.kind == kind) {
-        auto* const first = &values[values.size() - 2];
-        row.function(first, first, last);
-        mpfi_clear(last);
-        values.pop_back();
-        return true;
-      }
-    return false;
+    return true;
   }
 
   std::deque<__mpfi_struct> values;

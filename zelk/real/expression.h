@@ -1,7 +1,6 @@
 #pragma once
 
 #include <concepts>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -57,9 +56,8 @@ class ZELK_EXPORT Expression {
  public:
   /// A constant: whatever converts to an interval, machine integers and rationals among them.
   template <class T>
-  requires(!std::same_as<std::remove_cvref_t<T>, Expression> && std::convertible_to<T, Interval>)
-      Expression(T&& constant)
-      : kinds{Kind::number}, constants{Interval(std::forward<T>(constant))} {}
+  requires(!std::same_as<T, Expression> && std::convertible_to<T, Interval>) Expression(T constant)
+      : kinds{Kind::number}, constants{Interval(std::move(constant))} {}
 
   static Expression pi() { return Expression(Kind::pi); }
   static Expression e() { return Expression(Kind::e); }

@@ -18,9 +18,9 @@ using Operands = std::span<Value const>;
 /// Whether they matter after all is seen at the end, and then all digits are raised.
 class Precision {
  public:
-  /// Requires: digits >= 1, and `functions` live longer.
+  /// For so many digits. Requires: wanted >= 1, and `functions` live longer.
   /// Throws: std::length_error if so many digits are beyond the limit of the functions.
-  Precision(ElementaryFunctions& functions, unsigned long digits);
+  Precision(ElementaryFunctions& functions, unsigned long wanted);
 
   ElementaryFunctions& functions() const { return *answers; }
 
