@@ -48,7 +48,7 @@ class Batch {
     {
       Progress const progress([this](std::span<char> line, long) {
         return std::snprintf(line.data(), line.size(), "%zu lines, %zu answered before",
-                             number.load(), repeated.load());
+                             told.load(), repeated.load());
       });
       print_by_lines();
       unsigned const jobs =
@@ -134,6 +134,7 @@ class Batch {
   void tell(Item const& item) {
     if (item.is_last) end_now(give_up("not enough memory", not_answered));
     ++queries;
+    told = item.line;
     repeated += item.is_repeated;
     Decimal const line(item.line);
     if (settings.style.json) print({R"({"line":)", line, ","});
@@ -179,7 +180,8 @@ class Batch {
   Settings const& settings;
   Clock::time_point const begin = Clock::now();
   Clock::time_point last_flush = begin;
-  std::atomic<std::size_t> number = 0;  // of the line
+  std::size_t number = 0;             // of the line being read
+  std::atomic<std::size_t> told = 0;  // and of the last one whose answer was printed
   std::atomic<std::size_t> repeated = 0;
   std::unique_ptr<Crew> crew;  // null while the queries are answered one after the other
   std::size_t queries = 0;

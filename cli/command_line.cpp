@@ -24,6 +24,7 @@
 #include "cli/solver.h"
 #include "cli/status.h"
 #include "cli/terminal.h"
+#include "zelk/approx/progress.h"
 #include "zelk/convert/text.h"
 #include "zelk/version.h"
 
@@ -302,11 +303,17 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
   try {
     parse_words(query);
     auto const demand = settings.limits.check(query, places_of(query, settings.style));
+    na::StepCounter const counter;
     Progress const progress([&](std::span<char> text, long seconds) {
       bool const is_long = line.size() > 30;
-      return std::snprintf(text.data(), text.size(), "%.*s%s: %ld s, about %.0e bits of work",
-                           is_long ? 27 : 30, line.c_str(), is_long ? "..." : "", seconds,
-                           demand.worked_through);
+      char far[64];
+      if (auto const steps = counter.steps(); steps != 0)
+        std::snprintf(far, sizeof far, "%lu of about %.0f %s", steps, demand.steps,
+                      function.name == "pi" ? "convergents" : "terms");
+      else
+        std::snprintf(far, sizeof far, "about %.0e bits of work", demand.worked_through);
+      return std::snprintf(text.data(), text.size(), "%.*s%s: %ld s, %s", is_long ? 27 : 30,
+                           line.c_str(), is_long ? "..." : "", seconds, far);
     });
     Answer const answer =
         Solver(settings.limits).answer_within(settings.limits.max_bits, query, demand.held);

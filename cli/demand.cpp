@@ -80,7 +80,7 @@ Demand series(Query const& query, double digits, unsigned places) {
   double const denominator = high * (below + std::log2(high));
   double const limbs = std::min(bits(x) / 64, 50.0);  // a longer product costs less for each limb
   return {8 * denominator + 100 * is_short * digits + 2 * decimals(places),
-          4 * high * denominator * (1 + limbs)};
+          4 * high * denominator * (1 + limbs), high};
 }
 
 }  // namespace
@@ -91,17 +91,19 @@ Demand demand_of_cf(Query const& query, unsigned places) {
 }
 
 Demand demand_of_approx(Query const& query, unsigned places) {
-  auto [held, worked_through] = continued_fraction(query, 1000);
-  return {held + decimals(places), worked_through};
+  Demand demand = continued_fraction(query, 1000);
+  demand.held += decimals(places);
+  return demand;
 }
 
 Demand demand_of_convergents(Query const& query, unsigned places) {
   if (!query.expressions.empty()) {
     // Each is compared with the value, to twice the digits that it has itself.
     double const digits = digits_of_terms(query);
-    auto const [held, worked_through] = evaluation(query, 2 * digits, places);
-    return {held + digits * (4000 + 10 * digits + 2 * decimals(places)),
-            worked_through * (digits + 1)};
+    Demand demand = evaluation(query, 2 * digits, places);
+    demand.held += digits * (4000 + 10 * digits + 2 * decimals(places));
+    demand.worked_through *= digits + 1;
+    return demand;
   }
   // Each convergent is held with its distance, and both as text.
   return continued_fraction(query, 4000 + 10 * bits(query.numbers[0]) + 2 * decimals(places));
@@ -133,7 +135,8 @@ Demand demand_of_pi(Query const& query, unsigned places) {
   }
   // Some 1.8 convergents for each digit are kept, each under a key of 34 bits for each digit.
   double const square = double(*query.digits) * *query.digits;
-  return {1000 * square + 2 * decimals(places), 4000 * square};
+  // Before them 0.7 terms for each digit are added.
+  return {1000 * square + 2 * decimals(places), 4000 * square, 2.5 * *query.digits};
 }
 
 Demand demand_of_expression(Query const& query, unsigned places) {

@@ -8,6 +8,7 @@ namespace zelk::cli {
 struct Demand {
   double held;            // by its answer, printed too, and by what the library keeps for it
   double worked_through;  // by all steps together
+  double steps = 0;       // terms and convergents, where the library counts them
 };
 
 /// The demand of a query of each function, whose answer is printed with `places` decimals.

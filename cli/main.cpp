@@ -8,6 +8,7 @@
 int main(int argc, char** argv) {
   using namespace zelk::cli;
   watch_allocations_of_gmp();
+  share_scarce_addresses();
   catch_signals();
   try {
     int const status = run_command_line(argc, argv);

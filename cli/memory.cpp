@@ -1,6 +1,7 @@
 #include "cli/memory.h"
 
 #include <gmp.h>
+#include <sys/resource.h>
 
 #include <cstddef>
 #include <cstdlib>
@@ -9,6 +10,10 @@
 
 #include "cli/status.h"
 #include "cli/terminal.h"
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace zelk::cli {
 namespace {
@@ -48,6 +53,14 @@ void end_by_terminate() {
 void Reserve::give_up() { end_without_memory(); }
 
 void end_without_memory() { end_now(give_up("not enough memory", not_answered)); }
+
+void share_scarce_addresses() {
+#ifdef __GLIBC__
+  rlimit addresses;
+  if (getrlimit(RLIMIT_AS, &addresses) == 0 && addresses.rlim_cur != RLIM_INFINITY)
+    mallopt(M_ARENA_MAX, 1);
+#endif
+}
 
 void watch_allocations_of_gmp() { mp_set_memory_functions(allocate, reallocate, nullptr); }
 

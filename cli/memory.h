@@ -27,7 +27,11 @@ class Reserve {
 /// Ends the command for want of memory, with the whole answers so far.
 [[noreturn]] void end_without_memory();
 
-/// To be called once, at the start.
+/// Both to be called once, at the start.
 void watch_allocations_of_gmp();
+
+/// Where addresses are limited, by `ulimit -v` for one, has all threads take memory from one place:
+/// a place of its own, as glibc gives each, reserves 64 MiB of them.
+void share_scarce_addresses();
 
 }  // namespace zelk::cli

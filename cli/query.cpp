@@ -185,7 +185,8 @@ QNumber parse_number(Word const& word) {
   // The text is brought into the form that the library reads, and columns back.
   auto const size = word.text.size();
   auto first = std::min(word.text.find_first_not_of(blanks), size);
-  std::string text(word.text.substr(first, word.text.find_last_not_of(blanks) + 1 - first));
+  std::string text(word.text.substr(first));
+  while (!text.empty() && blanks.find(text.back()) != std::string_view::npos) text.pop_back();
   auto const is_digit = [&](std::size_t at) {
     return at < text.size() && digits.find(text[at]) != std::string_view::npos;
   };

@@ -25,6 +25,7 @@
 #include "zelk/approx/convergents.h"
 #include "zelk/approx/cosine.h"
 #include "zelk/approx/power_series_approximator.h"
+#include "zelk/approx/progress.h"
 #include "zelk/approx/rational_approximator.h"
 #include "zelk/approx/short_bounds.h"
 #include "zelk/approx/simplest.h"

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tests/support/text_form.h"
+#include "zelk/approx/progress.h"
 
 namespace zelk::na {
 namespace {
@@ -75,6 +76,25 @@ TEST(PowerSeriesApproximator, FindsWorkedBoundsOfPiAndDegrees) {
   EXPECT_TRUE(test::entries(series.exp_records()).begin()->ends_with(" 35"));
   series.maclaurin_sin_compute(QNumber(1, 1000), 10);
   EXPECT_TRUE(test::entries(series.sin_records()).begin()->ends_with(" 3"));
+}
+
+TEST(PowerSeriesApproximator, CountsItsStepsForWhomeverCounts) {
+  Fresh fresh;
+  StepCounter const whole;
+  unsigned long before = 0;
+  for (auto const ask : {&Series::maclaurin_exp_bounds, &Series::maclaurin_sin_bounds}) {
+    (fresh.series.*ask)(QNumber(1, 3), 100);
+    EXPECT_GE(whole.steps(), before + 40);
+    before = whole.steps();
+    (fresh.series.*ask)(QNumber(1, 3), 100);
+    EXPECT_EQ(whole.steps(), before) << "known, and yet computed again";
+  }
+  {
+    StepCounter const inner;
+    fresh.series.machin_pi_bounds(50);
+    EXPECT_GT(inner.steps(), 100);
+  }
+  EXPECT_EQ(whole.steps(), before);
 }
 
 }  // namespace

@@ -5,8 +5,10 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "tests/support/text_form.h"
+#include "zelk/approx/convergents.h"
 
 namespace zelk::na {
 namespace {
@@ -95,6 +97,22 @@ TEST(RationalApproximator, AnswersAndRemembers) {
     auto found = entries(approximator->approximations());
     found.merge(entries(approximator->expansions()));
     EXPECT_EQ(found, known);
+  }
+}
+
+TEST(Convergents, AreSmallWhereTheyFitAndHavePositiveDenominators) {
+  for (auto const& [terms, expected] : {
+           std::pair("4 2 6 7", "4 9/2 58/13 415/93"),
+           std::pair("-4 -2 -6 -7", "-4 -9/2 -58/13 -415/93"),
+           std::pair("-4B -3B 1B 5B 7B", "-4 -13/3 -9/2 -58/13 -415/93"),
+           std::pair("0 9223372036854775807 1 1",
+                     "0 1/9223372036854775807 1/9223372036854775808B "
+                     "2/18446744073709551615B"),
+       }) {
+    std::string all;
+    for (QNumber const& c : convergents(test::numbers(terms)))
+      all += (all.empty() ? "" : " ") + show(c);
+    EXPECT_EQ(all, expected);
   }
 }
 

@@ -260,15 +260,32 @@ TEST(Simplest, ShortBoundsHoldTheirValueWithinThePromisedWidth) {
 }
 
 TEST(Simplest, ShortBoundsOfPi) {
-  for (unsigned const prec : {0, 1, 2, 5, 20, 100, 1000, 5000}) {
+  mpfr_t pi;
+  mpfr_init2(pi, 20000);
+  mpfr_const_pi(pi, MPFR_RNDN);
+  mpz_class const one("10000000000000000000000000000000000000000");
+  mpz_class const truth("31415926535897932384626433832795028841971");  // the floor of one * pi
+  for (unsigned const prec : {0, 1, 2, 3, 4, 5, 6, 20, 100, 1000, 5000}) {
     auto const bounds = short_pi_bounds(prec);
-    mpfr_t pi;
-    mpfr_init2(pi, 20000);
-    mpfr_const_pi(pi, MPFR_RNDN);
-    EXPECT_LT(mpfr_cmp_q(pi, to_rational(bounds.second).get_mpq_t()), 0) << prec;
-    EXPECT_GT(mpfr_cmp_q(pi, to_rational(bounds.first).get_mpq_t()), 0) << prec;
-    mpfr_clear(pi);
+    mpq_class const below = to_rational(bounds.first), above = to_rational(bounds.second);
+    mpz_class unit;
+    mpz_ui_pow_ui(unit.get_mpz_t(), 10, prec);
+    EXPECT_LT(mpfr_cmp_q(pi, above.get_mpq_t()), 0) << prec;
+    EXPECT_GT(mpfr_cmp_q(pi, below.get_mpq_t()), 0) << prec;
+    EXPECT_LE((above - below) * unit, 1) << prec;
+    if (prec > 6) continue;
+    // Of all fractions, by their denominators, the first within half of the width on either side.
+    mpq_class under, over;
+    for (mpz_class d = 1; under == 0 || over == 0; ++d) {
+      mpz_class const n = truth * d / one;
+      mpz_class const room = d * one / (2 * unit);
+      if (under == 0 && truth * d - n * one <= room) under = mpq_class(n, d);
+      if (over == 0 && (n + 1) * one - truth * d <= room) over = mpq_class(n + 1, d);
+    }
+    EXPECT_EQ(below, under) << prec;
+    EXPECT_EQ(above, over) << prec;
   }
+  mpfr_clear(pi);
 }
 
 TEST(Simplest, RefusesWhatIsNoIntervalOrNoLimit) {

@@ -96,7 +96,7 @@ sed -n 's/^    \(\[3\.14.*\)/\1/p' "$tutorial" >expected
 ln -s "$root" zelk
 for install in '' -DZELK_INSTALL=ON; do  # a project installs ours only when it says so
   quietly cmake -S first -B first/beside -DBUILD_SHARED_LIBS=ON -DCMAKE_CXX_FLAGS=-O0 $install
-  quietly cmake --build first/beside --parallel "$cores" --target first
+  quietly cmake --build first/beside --parallel "$cores"
   right first/beside/first
   quietly cmake --install first/beside --prefix "$work/within$install"
 done

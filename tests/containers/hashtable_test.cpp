@@ -59,9 +59,9 @@ TEST(Hashtable, RehashesToTheNextPrime) {
   std::uint64_t digest = 0;  // of all in their order
   for (std::uint64_t const n : primes) {
     EXPECT_NE(mpz_probab_prime_p(mpz_class(n).get_mpz_t(), 30), 0);
-    digest = 31 * digest + n;
+    digest = (31 * digest + n) % 4294967291;
   }
-  EXPECT_EQ(digest, 6587628155869066578U);
+  EXPECT_EQ(digest, 3373671189U);
   Map map;
   for (auto const& [asked, given] : std::vector<std::pair<std::size_t, std::size_t>>{
            {0, 31}, {31, 31}, {32, 73}, {73, 73}, {151, 151}, {30, 151}, {1000, 1291}}) {

@@ -178,11 +178,30 @@ TEST(FailedAllocation, LeavesTablesWithWhatTheyHeld) {
       {"sin", [](W w) { w.answer = show(w.series.maclaurin_sin_bounds(w.a, 1)); }},
       {"cos", [](W w) { w.answer = show(w.series.maclaurin_sin_der_bounds(QNumber(1, 40), 7)); }},
       {"pi", [](W w) { w.answer = show(w.series.machin_pi_bounds(2)); }},
+      {"short pi", [](W w) { w.answer = show(na::short_pi_bounds(40)); }},
+      {"short exp", [](W w) { w.answer = show(na::short_exp_bounds(w.series, w.b, 25)); }},
+      {"shortened",
+       [](W w) {
+         w.answer = show(na::shortened({w.a, w.a}, 0));
+       }},
+      {"best", [](W w) { w.answer = show(na::best_above(w.a, QNumber(1UL << 63))); }},
+      {"terms", [](W w) { w.answer = show(na::convergents(na::common_terms(w.a, w.a)).back()); }},
   };
   for (auto const& operation : operations)
     for (unsigned const n : {0U, 15U, 16U, 21U, 22U})
       sweep(operation, n, key.first, QNumber(-415, 93));
   EXPECT_GT(heap::failed_mallocs, 0);
+}
+
+TEST(FailedAllocation, LeavesATableThatAskedForTooMuch) {
+  World::Map map;
+  for (unsigned i = 0; i < 20; ++i) map[{QNumber(i, 7), i}] = i;
+  heap::fail_at(1);
+  EXPECT_THROW(map.rehash(5'000'000'000), std::bad_alloc);
+  EXPECT_TRUE(heap::fail_at(0));
+  EXPECT_EQ(map.bucket_count(), 31U);
+  for (unsigned i = 20; i < 40; ++i) map[{QNumber(i, 7), i}] = i;
+  for (unsigned i = 0; i < 40; ++i) EXPECT_EQ(map.find({QNumber(i, 7), i}).node->value.second, i);
 }
 
 /// The index of a long chain is help, not duty: without memory for it the table does without.

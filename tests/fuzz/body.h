@@ -12,11 +12,12 @@ namespace zelk::test {
 
 using Bytes = std::span<std::uint8_t const>;
 
-void run_numbers(Bytes bytes);  // operations on a handful of numbers
-void run_tables(Bytes bytes);   // operations on a table of numbers
-void run_text(Bytes bytes);     // the text to parse
-void run_queries(Bytes bytes);  // queries to a pair of approximators
-void run_points();              // the queries at the points of the tests
+void run_numbers(Bytes bytes);      // operations on a handful of numbers
+void run_tables(Bytes bytes);       // operations on a table of numbers
+void run_text(Bytes bytes);         // the text to parse
+void run_queries(Bytes bytes);      // queries to a pair of approximators
+void run_expressions(Bytes bytes);  // the text to parse and enclose, or choices of its parts
+void run_points();                  // the queries at the points of the tests
 
 /// Reads decisions off a byte string; past its end all are 0.
 struct ByteReader {

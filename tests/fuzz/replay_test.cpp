@@ -59,7 +59,8 @@ INSTANTIATE_TEST_SUITE_P(Bodies, Replay,
                          testing::Values(Body{"numbers", run_numbers, {}, 3000, 600},
                                          Body{"tables", run_tables, {}, 1500, 300},
                                          Body{"text", run_text, "0012345789//-..eE+ ", 30000, 16},
-                                         Body{"queries", run_queries, {}, 500, 80}),
+                                         Body{"queries", run_queries, {}, 500, 80},
+                                         Body{"expressions", run_expressions, {}, 3000, 30}),
                          testing::PrintToStringParamName());
 
 TEST(Queries, HoldAtThePointsOfTheTests) { run_points(); }

@@ -171,8 +171,9 @@ TEST(QNumber, RefusesToDivideByZeroBeforeItWrites) {
   EXPECT_THROW(QNumber(ULONG_MAX, 0), std::domain_error);
   for (auto const make : {QNumber::from_mpz, QNumber::big_from_mpz})
     EXPECT_THROW(make(one.get_mpz_t(), nothing.get_mpz_t()), std::domain_error);
-  EXPECT_THROW(QNumber(QNumber::LowestTerms{one.get_mpz_t(), nothing.get_mpz_t()}),
-               std::domain_error);
+  QNumber::LowestTerms const infinite{one.get_mpz_t(), nothing.get_mpz_t()};
+  EXPECT_THROW(QNumber{infinite}, std::domain_error);
+  EXPECT_THROW(QNumber::from_lowest_terms(infinite), std::domain_error);
   for (QNumber const& zero : zeros) {
     EXPECT_THROW(zero.inv(), std::domain_error);
     EXPECT_THROW(pow(zero, -1), std::domain_error);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "zelk/convert/text.h"
+#include "zelk/real/elementary_functions.h"
 #include "zelk/zelk.h"
 
 namespace zelk {
@@ -34,6 +35,7 @@ QNumber harmonic(long n) {
 std::string work(unsigned seed) {
   na::RationalApproximator rational;
   na::PowerSeriesApproximator series(rational);
+  real::ElementaryFunctions functions;
   std::string answers = to_string(harmonic(300 + seed));
   for (unsigned prec = 1; prec < 12; ++prec) {
     QNumber const x(seed + prec, 7 + prec);
@@ -43,6 +45,8 @@ std::string work(unsigned seed) {
     QNumber const mixed = pi_low * exp_high - sin_low / sin_high;
     answers += ' ' + to_string(rational.approx(mixed, prec, 1)) + ' ' + to_string(pow(mixed, 3));
     answers += exp_low < pi_high ? '<' : '>';
+    answers += to_string(functions.tan(x, 5 * prec).lower());
+    answers += to_string(functions.pow(x, mixed, 5 * prec).lower());
   }
   return answers;
 }

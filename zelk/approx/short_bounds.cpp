@@ -1,5 +1,8 @@
 #include "zelk/approx/short_bounds.h"
 
+#include <cassert>
+#include <climits>
+
 #include "zelk/approx/cosine.h"
 #include "zelk/approx/internal/chudnovsky.h"
 #include "zelk/approx/internal/ratio.h"
@@ -23,18 +26,24 @@ Bounds shorten(Bounds const& bounds, unsigned units, unsigned prec) {
   return shortened(bounds, QNumber(QNumber::LowestTerms{n, d}));
 }
 
+/// One digit more. Requires: there is room for it.
+unsigned finer(unsigned prec) {
+  assert(prec < UINT_MAX);
+  return prec + 1;
+}
+
 }  // namespace
 
 Bounds short_exp_bounds(PowerSeriesApproximator& series, QNumber const& x, unsigned prec) {
-  return shorten(series.maclaurin_exp_bounds(x, prec + 1), 1, prec);
+  return shorten(series.maclaurin_exp_bounds(x, finer(prec)), 1, prec);
 }
 
 Bounds short_sin_bounds(PowerSeriesApproximator& series, QNumber const& x, unsigned prec) {
-  return shorten(series.maclaurin_sin_bounds(x, prec + 1), 2, prec);
+  return shorten(series.maclaurin_sin_bounds(x, finer(prec)), 2, prec);
 }
 
 Bounds short_cos_bounds(PowerSeriesApproximator& series, QNumber const& x, unsigned prec) {
-  return shorten(cosine_bounds(series, x, prec + 1), 2, prec);
+  return shorten(cosine_bounds(series, x, finer(prec)), 2, prec);
 }
 
 Bounds short_pi_bounds(unsigned prec) {

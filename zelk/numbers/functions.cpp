@@ -39,7 +39,7 @@ QNumber round(QNumber const& q) {
 
 QNumber pow(QNumber const& q, long exponent) {
   if (exponent < 0 && q.is_zero()) throw std::domain_error("division by zero");
-  unsigned long const magnitude = exponent < 0 ? 0 - static_cast<unsigned long>(exponent)
+  unsigned long const magnitude = exponent < 0 ? ~static_cast<unsigned long>(exponent) + 1
                                                : static_cast<unsigned long>(exponent);
   // Powers of coprime integers are coprime.
   Integer n;

@@ -102,6 +102,7 @@ QNumber::QNumber(LowestTerms const& fraction) : QNumber() {
 }
 
 QNumber QNumber::from_lowest_terms(LowestTerms const& fraction) {
+  require_divisor(fraction.denominator);  // as a word, 0 would mark the big form
   if (!fits_word(fraction.numerator) || !fits_word(fraction.denominator)) return QNumber(fraction);
   QNumber small;
   small.num = mpz_get_si(fraction.numerator);

@@ -82,8 +82,8 @@ class ZELK_EXPORT QNumber {
   /// n/d in lowest terms. In big form exactly when n or d is -2^63.
   /// Throws: std::domain_error when d is 0.
   QNumber(long n, long d) : num(n), den(d) {
-    // One test for a d of 0 or -2^63: shifted, both are 0.
-    if (n == LONG_MIN || static_cast<unsigned long>(d) << 1 == 0) [[unlikely]]
+    // One test for a d of 0 or -2^63: without the sign bit, both are 0.
+    if (n == LONG_MIN || (d & LONG_MAX) == 0) [[unlikely]]
       become_extreme();
     else if (n == 0)
       den = 1;
@@ -103,8 +103,8 @@ class ZELK_EXPORT QNumber {
       QNumber(N n, D d)
       : num(static_cast<long>(n)), den(static_cast<long>(d)) {
     if ((n > 0 && num < 0) || (d > 0 && den < 0)) [[unlikely]] {
-      become_unsigned(n < 0 ? 0 - static_cast<unsigned long>(n) : static_cast<unsigned long>(n),
-                      d < 0 ? 0 - static_cast<unsigned long>(d) : static_cast<unsigned long>(d),
+      become_unsigned(n < 0 ? ~static_cast<unsigned long>(n) + 1 : static_cast<unsigned long>(n),
+                      d < 0 ? ~static_cast<unsigned long>(d) + 1 : static_cast<unsigned long>(d),
                       (n < 0) != (d < 0));
     } else {
       *this = QNumber(num, den);
@@ -138,6 +138,7 @@ class ZELK_EXPORT QNumber {
   explicit QNumber(LowestTerms const& fraction);
 
   /// In small form whenever it fits, and without a gcd.
+  /// Throws: std::domain_error when the denominator is 0.
   static QNumber from_lowest_terms(LowestTerms const& fraction);
 
   /// In other's form; a copy in big form owns a block of its own.

@@ -25,6 +25,8 @@ class Tolerance {
         is_relative(wanted.is_relative()),
         most_digits(most) {}
 
+  bool is_kept_by(Interval const& bounds) const { return bounds.width() <= allowed(bounds); }
+
   /// A half of what is allowed is left for short ends.
   bool is_narrow(Interval const& enclosure) const {
     return enclosure.is_point() || !(allowed(enclosure) < 2 * enclosure.width());
@@ -102,13 +104,14 @@ Enclosure enclose(ElementaryFunctions& functions, Expression const& expression, 
   Enclosure answer{0, false};
   refine(functions, expression, accuracy.digits(), most_digits, [&](Value const& value) {
     auto const outer = value.outer();
-    answer.is_narrow = tolerance.is_narrow(outer);
-    bool const is_one = answer.is_narrow || value.is_number();
+    bool const is_one = value.is_number() || tolerance.is_narrow(outer);
     auto const& lower_end = is_one ? outer : value.lower_end();
     auto const& upper_end = is_one ? outer : value.upper_end();
     auto const missing = std::max(tolerance.missing(lower_end), tolerance.missing(upper_end));
-    if (!missing)
+    if (!missing) {
       answer.bounds = shortened(outer, tolerance.slack(lower_end), tolerance.slack(upper_end));
+      answer.is_narrow = tolerance.is_kept_by(answer.bounds);
+    }
     return missing;
   });
   return answer;

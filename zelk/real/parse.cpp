@@ -51,9 +51,10 @@ class Parser {
       } else if (scanner.is_at_name()) {
         auto const& row = read_name();
         if (row.arity == 0) return kinds.push_back(row.kind);
+        auto const parenthesis = scanner.place();
         if (!scanner.accept('('))
-          scanner.refuse(scanner.place(), "expected ( after " + std::string(row.name));
-        waiting.push_back({&row, true, place});
+          scanner.refuse(parenthesis, "expected ( after " + std::string(row.name));
+        waiting.push_back({&row, true, parenthesis});
         // A function without arguments is told how many it takes.
         if (scanner.next() == ')') refuse_arguments(waiting.back(), 0);
       } else {

@@ -27,7 +27,7 @@ int main() {
   std::cout << to_decimal({low, high}, 3) << enclosing_doubles(from_double(0.5)).second << '\n';
 
   zelk::real::ElementaryFunctions functions;
-  auto const fifth = functions.log({3, 2}, 9) / functions.log(2, 9);
+  auto const fifth = functions.log(zelk::QNumber(3, 2), 9) / functions.log(2, 9);
   std::cout << zelk::na::best_nearest(fifth.midpoint(), 12) << '\n';
 
   try {

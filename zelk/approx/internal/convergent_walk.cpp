@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "zelk/approx/internal/count_steps.h"
+
 namespace zelk::na {
 
 namespace {
@@ -52,6 +54,7 @@ QNumber const& ConvergentWalk::compute() {
     owner.cf_cache.make_room();
   else
     recurrence.emplace(owner.get_cf(q, prec));
+  count_steps(1);
   recurrence->advance(prec);
   return owner.approx_cache.store(key, QNumber::LowestTerms{recurrence->h, recurrence->k});
 }

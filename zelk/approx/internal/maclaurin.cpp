@@ -2,6 +2,7 @@
 
 #include <cassert>
 
+#include "zelk/approx/internal/count_steps.h"
 #include "zelk/approx/internal/power_terms.h"
 #include "zelk/approx/internal/tolerance.h"
 #include "zelk/numbers/integer.h"
@@ -55,6 +56,7 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
   int sign_before = previous.sign();
   int sign = sum.sign();
   for (;;) {
+    count_steps(1);
     series.accumulate(0, false);
     ++k;
     QNumber const factor = x / QNumber(k);
@@ -102,6 +104,7 @@ ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, boo
     series.advance(x.numerator(), below);
   };
   for (;; negated = !negated) {
+    count_steps(2);
     n += 2;
     series.accumulate(1, negated);
     // The second derivative is minus the sine's sum so far, give or take this term.

@@ -131,7 +131,8 @@ long exponent_of_exp(QNumber const& x) {
 }
 
 long exponent_of_pow(QNumber const& x, QNumber const& y, Constants& constants) {
-  return exponent_of_exp(y * log_at(x, 64, constants).lower());
+  auto const log = log_at(x, 64 + std::max(0L, magnitude(y)), constants);
+  return exponent_of_exp(y * log.lower());
 }
 
 }  // namespace zelk::real

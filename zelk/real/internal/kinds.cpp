@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 #include "zelk/numbers/functions.h"
 
@@ -10,15 +11,42 @@ namespace zelk::real {
 
 namespace {
 
-bool never(Interval const&) { return false; }
-bool is_above_one(Interval const& x) { return !(x.lower() < 1); }
-bool is_beyond_one(Interval const& x) { return !(x.lower() < 1) || !(-1 < x.upper()); }
-bool always(Interval const&) { return true; }
+/// About log2 |q|, also near 1, where it is small. Requires: q is not 0.
+double log2_of(QNumber const& q) {
+  // Of two integers, and of the exponents that their doubles would not hold.
+  auto const quotient = [](mpz_srcptr n, mpz_srcptr d) {
+    long exponent_of_n = 0, exponent_of_d = 0;
+    double const mantissas = mpz_get_d_2exp(&exponent_of_n, n) / mpz_get_d_2exp(&exponent_of_d, d);
+    return std::pair(mantissas, static_cast<double>(exponent_of_n - exponent_of_d));
+  };
+  auto const size = abs(q);
+  auto const [mantissas, exponent] = quotient(size.numerator(), size.denominator());
+  if (std::abs(exponent) > 1) return std::log2(mantissas) + exponent;
+  auto const beyond_one = size - 1;
+  if (beyond_one.is_zero()) return 0;
+  auto const [part, scale] = quotient(beyond_one.numerator(), beyond_one.denominator());
+  return std::log1p(part * std::exp2(scale)) / std::log(2);
+}
 
-/// A function of one operand, and where its results are great.
-template <auto function, auto is_great>
+// Where results are asked for with so many significant digits, whatever their size; elsewhere they
+// are not small, or so small that their zeros alone would be long.
+
+bool never(Precision const&, Interval const&) { return false; }
+bool always(Precision const&, Interval const&) { return true; }
+
+bool is_beyond_one(Precision const&, Interval const& x) {
+  return !(x.lower() < 1) || !(-1 < x.upper());
+}
+
+bool has_moderate_exp(Precision const& precision, Interval const& x) {
+  // e^-2^n has less than 2^(n + 1) zeros.
+  return x.lower().sign() >= 0 || precision.is_short(std::exp2(log2_of(x.lower()) + 1));
+}
+
+/// A function of one operand.
+template <auto function, auto is_relative>
 Value apply(Precision const& precision, Operands x) {
-  auto const accuracy = precision.accuracy(is_great(x[0].outer()));
+  auto const accuracy = precision.accuracy(is_relative(precision, x[0].outer()));
   return precision.image(x[0], accuracy, [&](Interval const& argument) {
     return (precision.functions().*function)(argument, accuracy);
   });
@@ -55,25 +83,20 @@ Value quotient(Precision const& precision, Operands x) {
                             [](Value const& a, Value const& b) { return a * inverse(b); });
 }
 
-/// About log2 |q|, at most. Requires: q is not 0.
-double log2_of(QNumber const& q) {
-  long numerator_exponent = 0, denominator_exponent = 0;
-  double const numerator = mpz_get_d_2exp(&numerator_exponent, q.numerator());
-  double const denominator = mpz_get_d_2exp(&denominator_exponent, q.denominator());
-  return std::log2(std::abs(numerator) / denominator) +
-         static_cast<double>(numerator_exponent - denominator_exponent);
-}
-
 Value rational_power(Precision const& precision, Value const& base, QNumber const& exponent) {
   auto const x = base.outer();
   if (exponent.is_zero()) return Value(1);
   double const times = std::exp2(log2_of(exponent));
   if (base.is_exact() && exponent.is_integer() && precision.is_short(size_of(x) * times))
     return Value(real::pow(x, exponent.to_small().small_numerator()));
-  for (auto const& end : {x.lower(), x.upper()})
-    if (!end.is_zero()) precision.require_room(exponent.sign() * log2_of(end) * times);
-  bool const is_great = exponent.sign() > 0 ? is_beyond_one(x) : Interval(-1, 1).contains(x);
-  auto const accuracy = precision.accuracy(is_great);
+  bool is_moderate = true;
+  for (auto const* end : {&x.lower(), &x.upper()}) {
+    if (end->is_zero()) continue;
+    double const bits = exponent.sign() * log2_of(*end) * times;
+    precision.require_room(bits);
+    is_moderate = is_moderate && precision.is_short(std::abs(bits));
+  }
+  auto const accuracy = precision.accuracy(is_moderate);
   return precision.image(base, accuracy, [&](Interval const& argument) {
     return precision.functions().pow(argument, exponent, accuracy);
   });
@@ -89,11 +112,11 @@ Value power(Precision const& precision, Operands x) {
       apply<&ElementaryFunctions::log, never>(precision, Operands(&base, 1))};
   Value const factors[] = {exponent, logarithm[0]};
   Value const whole[] = {product(precision, factors)};
-  return apply<&ElementaryFunctions::exp, is_above_one>(precision, whole);
+  return apply<&ElementaryFunctions::exp, has_moderate_exp>(precision, whole);
 }
 
 Value root_of_degree(Precision const& precision, Value const& x, unsigned long degree) {
-  auto const accuracy = precision.accuracy(is_beyond_one(x.outer()));
+  auto const accuracy = precision.accuracy(true);
   return precision.image(x, accuracy, [&](Interval const& argument) {
     return precision.functions().root(argument, degree, accuracy);
   });
@@ -122,7 +145,7 @@ constexpr std::array rows = {
     Row{Kind::product, "*", 2, product, 2},
     Row{Kind::quotient, "/", 2, quotient, 2},
     Row{Kind::power, "^", 2, power, 4, true},
-    Row{Kind::exp, "exp", 1, apply<&Functions::exp, is_above_one>},
+    Row{Kind::exp, "exp", 1, apply<&Functions::exp, has_moderate_exp>},
     Row{Kind::log, "log", 1, apply<&Functions::log, never>, 0, false, "ln"},
     Row{Kind::root, "root", 2, root},
     Row{Kind::sqrt, "sqrt", 1, sqrt},

@@ -51,8 +51,8 @@ void Precision::require_room(double result_bits) const {
 /// Outward, to `bits` bits below the magnitude of x, or below 2^least_magnitude if that is greater.
 Interval Precision::rounded(Interval const& x, long least_magnitude) const {
   if (size_of(x) <= 2 * static_cast<double>(bits) + 64) return x;
-  long const magnitude = std::max(real::magnitude(x.lower()), real::magnitude(x.upper())) - 2;
-  return quotient_outward(x, 1, bits - std::max(magnitude, least_magnitude));
+  long const below = std::max(magnitude(x.lower()), magnitude(x.upper())) - 2;
+  return quotient_outward(x, 1, bits - std::max(below, least_magnitude));
 }
 
 Value Precision::rounded(Value const& x, long least_magnitude) const {

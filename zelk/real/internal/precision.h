@@ -14,8 +14,8 @@ namespace zelk::real {
 using Operands = std::span<Value const>;
 
 /// How precisely the parts of an expression are computed: each step adds an error of at most
-/// 10^-digits, or 10^-digits times the value where that is great. Values near 0 are not worth more
-/// digits than others: whether they matter is seen at the end, and then all digits are raised.
+/// 10^-digits times the value, or of 10^-digits where that is good enough for values near 0.
+/// Whether they matter after all is seen at the end, and then all digits are raised.
 class Precision {
  public:
   /// Requires: digits >= 1, and `functions` live longer.
@@ -24,9 +24,9 @@ class Precision {
 
   ElementaryFunctions& functions() const { return *answers; }
 
-  /// For a step whose results are all beyond about ±1, or are not.
-  Accuracy accuracy(bool is_great) const {
-    return is_great ? Accuracy::relative(digits) : Accuracy::absolute(digits);
+  /// Of a step.
+  Accuracy accuracy(bool is_relative) const {
+    return is_relative ? Accuracy::relative(digits) : Accuracy::absolute(digits);
   }
 
   /// What x is taken to by a function whose images of intervals have that accuracy.
@@ -47,6 +47,7 @@ class Precision {
  private:
   Interval rounded(Interval const& x, long least_magnitude) const;
   Value rounded(Value const& x, long least_magnitude) const;
+  Value rounded(Value const& x) const { return rounded(x, -static_cast<long>(exact_bits)); }
   Value shortened_if_exact(Value const& x) const;
   QNumber error_at(QNumber const& end, Accuracy accuracy) const;
 
@@ -77,7 +78,7 @@ Value Precision::image(Value const& x, Accuracy accuracy, Function const& functi
   Interval const upper_end(
       std::max(around.lower(), within.upper() - error_at(within.upper(), accuracy)),
       around.upper());
-  return rounded(Value::interval(lower_end, upper_end), 0);
+  return rounded(Value::interval(lower_end, upper_end));
 }
 
 template <class Operation>
@@ -85,11 +86,11 @@ Value Precision::rational(Value const& a, Value const& b, Operation const& opera
   double const size = size_of(a) + size_of(b);
   if (is_short(size)) {
     auto result = operation(a, b);
-    return a.is_exact() && b.is_exact() ? result : rounded(result, 0);
+    return a.is_exact() && b.is_exact() ? result : rounded(result);
   }
   auto const x = shortened_if_exact(a), y = shortened_if_exact(b);
   require_room(size_of(x) + size_of(y));
-  return rounded(operation(x, y), 0);
+  return rounded(operation(x, y));
 }
 
 }  // namespace zelk::real

@@ -14,9 +14,9 @@
 
 namespace zelk::real {
 
-/// The least n such that |q| < 10^n, or one or two more. Requires: q is not 0.
+/// An n such that |q| < 10^n, the least or one or two more. Requires: q is not 0.
 inline long decimal_magnitude(QNumber const& q) {
-  // log10 2 < 0.30103, and rounding toward 0 is made up for by 1.
+  // log10 2 is a little less than 0.30103, and rounding toward 0 is made up for by 1.
   return magnitude(q) * 30103 / 100000 + 1;
 }
 

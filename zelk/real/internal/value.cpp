@@ -17,8 +17,8 @@ Value operator+(Value const& a, Value const& b) {
 }
 
 Value operator*(Value const& a, Value const& b) {
-  auto const corner = a.lower_end() * b.lower_end();
-  if (a.is_number() && b.is_number()) return Value::number(corner);
+  auto corner = a.lower_end() * b.lower_end();
+  if (a.is_number() && b.is_number()) return Value::number(std::move(corner));
   // A product is least and greatest at the corners, and of enclosed numbers the least and the
   // greatest lie between the least and the greatest bounds.
   Interval const others[] = {a.lower_end() * b.upper_end(), a.upper_end() * b.lower_end(),
