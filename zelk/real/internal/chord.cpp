@@ -10,8 +10,6 @@ namespace zelk::real {
 
 namespace {
 
-using Limbs = mp_limb_t*;
-
 /// The powers u^1, ..., u^count of a u < 2^-step, over 2^(64 n), each less than 2 units below the
 /// true one.
 class Powers {
@@ -19,7 +17,9 @@ class Powers {
   Powers(mp_size_t limb_count, unsigned long bits_each, unsigned long count, LimbBuffer& room)
       : n(limb_count), step(bits_each), limbs(room.take(count * static_cast<std::size_t>(n))) {}
 
-  Limbs operator[](unsigned long k) const { return limbs + (k - 1) * static_cast<std::size_t>(n); }
+  mp_limb_t* operator[](unsigned long k) const {
+    return limbs + (k - 1) * static_cast<std::size_t>(n);
+  }
 
   /// How many limbs in front of u^k are 0 for certain.
   mp_size_t zeros(unsigned long k) const {
@@ -27,20 +27,20 @@ class Powers {
   }
 
   /// u = x^2/4^halvings, cut off. Requires: 2n + 3 limbs of scratch.
-  void set_square(mpz_srcptr x, unsigned long halvings, Limbs scratch) {
+  void set_square(mpz_srcptr x, unsigned long halvings, mp_limb_t* scratch) {
     auto const size = std::min(static_cast<mp_size_t>(mpz_size(x)), n + 1);
     std::fill_n(scratch, 2 * n + 3, 0);
     mpn_sqr(scratch, mpz_limbs_read(x), size);
     auto const whole = static_cast<mp_size_t>(2 * halvings / GMP_NUMB_BITS);
     unsigned const bits = 2 * halvings % GMP_NUMB_BITS;
-    Limbs const square = scratch + n + whole;
+    mp_limb_t* const square = scratch + n + whole;
     mp_size_t const left = n + 3 - whole;
     if (bits != 0) mpn_rshift(square, square, left, bits);
     std::fill_n(std::copy_n(square, std::min(left, n), (*this)[1]), n - std::min(left, n), 0);
   }
 
   /// u^k, from those before it. Requires: 2n limbs of scratch.
-  void set_product(unsigned long k, Limbs scratch) {
+  void set_product(unsigned long k, mp_limb_t* scratch) {
     unsigned long const i = k / 2;
     mp_size_t const size = n - zeros(i);
     mp_size_t const other_size = n - zeros(k - i);
@@ -55,7 +55,7 @@ class Powers {
  private:
   mp_size_t n;
   unsigned long step;
-  Limbs limbs;
+  mp_limb_t* limbs;
 };
 
 /// What the series at x/2^halvings takes.
@@ -89,8 +89,8 @@ struct Plan {
 };
 
 /// sum = scale u^k ± sum, of `length` limbs and one in front of the point; u^0 is 1.
-void next_term(Limbs sum, mp_size_t length, mp_limb_t scale, Powers const& power, unsigned long k,
-               Plan const& plan) {
+void next_term(mp_limb_t* sum, mp_size_t length, mp_limb_t scale, Powers const& power,
+               unsigned long k, Plan const& plan) {
   if (plan.is_circular) mpn_neg(sum, sum, length + 1);
   if (k == 0) {
     sum[length] += scale;
@@ -103,11 +103,11 @@ void next_term(Limbs sum, mp_size_t length, mp_limb_t scale, Powers const& power
 }
 
 /// sum = sum u^run, now with so many more limbs. Requires: 2n + 1 limbs of scratch.
-void next_run(Limbs sum, mp_size_t length, mp_size_t longer, Powers const& power, Plan const& plan,
-              Limbs scratch) {
+void next_run(mp_limb_t* sum, mp_size_t length, mp_size_t longer, Powers const& power,
+              Plan const& plan, mp_limb_t* scratch) {
   mp_size_t const zeros = std::min(power.zeros(plan.run), longer);
   mp_size_t const size = longer - zeros;
-  Limbs const factor = power[plan.run] + (plan.n - longer);
+  mp_limb_t* const factor = power[plan.run] + (plan.n - longer);
   if (size > length + 1)
     mpn_mul(scratch, factor, size, sum, length + 1);
   else if (size > 0)
@@ -119,7 +119,7 @@ void next_run(Limbs sum, mp_size_t length, mp_size_t longer, Powers const& power
 /// R = 1 ± u/(3 4) (1 ± u/(5 6) (1 ± ...)), n limbs and one in front of the point, from the last
 /// term on. In units of the power of u that its run starts with, the sum from there, times a scale
 /// that makes the quotients integers, needs only the limbs that later factors leave of it.
-void sum_series(Limbs sum, Powers const& power, Plan const& plan, Limbs scratch) {
+void sum_series(mp_limb_t* sum, Powers const& power, Plan const& plan, mp_limb_t* scratch) {
   constexpr mp_limb_t most = mp_limb_t{1} << 62;
   mp_limb_t scale = 1;
   unsigned long start = (plan.count - 1) / plan.run * plan.run;
@@ -143,7 +143,7 @@ void sum_series(Limbs sum, Powers const& power, Plan const& plan, Limbs scratch)
 }
 
 /// f = f (4 ± f). Requires: 2n + 3 limbs of scratch.
-void double_argument(Limbs f, Plan const& plan, Limbs scratch) {
+void double_argument(mp_limb_t* f, Plan const& plan, mp_limb_t* scratch) {
   mp_size_t const size = plan.n + (f[plan.n] != 0 ? 1 : 0);
   mpn_sqr(scratch, f, size);
   scratch[2 * size] = 0;
@@ -181,8 +181,8 @@ void chord_squared(mpz_ptr out, mpz_srcptr x, mp_size_t n, Chord kind) {
   auto const limbs = static_cast<std::size_t>(n);
   LimbBuffer room(plan.run * limbs + (limbs + 1) + (2 * limbs + 3));
   Powers power(n, plan.step(), plan.run, room);
-  Limbs const f = room.take(limbs + 1);
-  Limbs const scratch = room.take(2 * limbs + 3);
+  mp_limb_t* const f = room.take(limbs + 1);
+  mp_limb_t* const scratch = room.take(2 * limbs + 3);
 
   power.set_square(x, plan.halvings, scratch);
   for (unsigned long k = 2; k <= plan.run; ++k) power.set_product(k, scratch);
