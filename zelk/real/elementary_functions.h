@@ -25,9 +25,12 @@ class Constants;
 /// pi and log 2 are kept at the best precision that a call needed, so an object is for one thread
 /// at a time; distinct objects may be used by distinct threads.
 ///
-/// Cost: with arguments of usual size and n digits O(M(n) log^2 n), where M(n) is the time of GMP's
-/// multiplication. Exponentials take x modulo log 2 and sines x modulo pi/2 first, so that large
-/// arguments cost no more than their digits. Source: docs/mathematics.md, section 15.
+/// Cost: with arguments of usual size and n digits, where M(n) is the time of GMP's multiplication,
+/// O(M(n)) for roots of low degree, O(M(n) log^2 n) for exponentials and logarithms, and
+/// O(n^(1/3) M(n)), with memory for as many numbers, for sines, cosines and arctangents: a few
+/// hundred multiplications at a hundred thousand digits. Exponentials take x modulo log 2 and sines
+/// x modulo pi/2 first, so that large arguments cost no more than their digits. Source:
+/// docs/mathematics.md, section 15.
 class ZELK_EXPORT ElementaryFunctions {
  public:
   static constexpr double default_max_bits = 4e9;  // half a gigabyte

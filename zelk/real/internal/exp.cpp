@@ -35,20 +35,25 @@ Interval exp_of_short(QNumber const& x, long bits) {
   return enclosure(out, splitting_error_bits, precision, bits);
 }
 
+/// [0, 2^-bits], which holds what is known to be less.
+Interval from_zero(long bits) {
+  return Interval(Interval::Ordered{QNumber(), dyadic(IntegerView(1L), bits)});
+}
+
 }  // namespace
 
 Interval exp_at(QNumber const& x, long bits, Constants& constants) {
   if (x.is_zero()) return QNumber(1);
   if (is_short(x, bits)) return exp_of_short(x, bits);
-  Integer r, log2;
+  // |x| < 2^size; e^(2^62) could not be stored.
   long const size = std::max(magnitude(x), 0L);
   if (size > 62) {
     if (x.sign() > 0) throw std::length_error("the exponential is too large");
-    mpz_set_ui(r, 1);
-    return {QNumber(), dyadic(r, bits)};
+    return from_zero(bits);
   }
-  // x = exponent log 2 + r with 3/8 <= r < 3/8 + log 2, or within 1/32 of that
+  // x = exponent log 2 + r with 3/8 <= r < 3/8 + log 2, or within 1/16 of that
   constexpr long places = 8;
+  Integer r, log2;
   floor_scaled(r, x, size + places);
   mpz_set_ui(log2, 3UL << (places - 3));
   mpz_mul_2exp(log2, log2, static_cast<unsigned long>(size));
@@ -56,19 +61,19 @@ Interval exp_at(QNumber const& x, long bits, Constants& constants) {
   constants.log2(log2, static_cast<unsigned long>(size + places));
   mpz_fdiv_q(r, r, log2);
   long const exponent = mpz_get_si(r);
-  if (exponent < -bits - 4) {
-    mpz_set_ui(r, 1);
-    return {QNumber(), dyadic(r, bits)};
-  }
+  if (exponent < -bits - 2) return from_zero(bits);
+
   mp_size_t const n = limbs_for(static_cast<unsigned long>(std::max(bits + exponent, 0L)) + 3);
   long const precision = n * GMP_NUMB_BITS;
-  floor_scaled(r, x, precision + size + 2);
-  constants.log2(log2, static_cast<unsigned long>(precision + size + 2));
+  // The exponent is at most 2^(size+1): r is off by less than 3 units.
+  long const guard = size + 2;
+  floor_scaled(r, x, precision + guard);
+  constants.log2(log2, static_cast<unsigned long>(precision + guard));
   if (exponent >= 0)
     mpz_submul_ui(r, log2, static_cast<unsigned long>(exponent));
   else
     mpz_addmul_ui(r, log2, static_cast<unsigned long>(-exponent));
-  mpz_fdiv_q_2exp(r, r, static_cast<unsigned long>(size) + 2);
+  mpz_fdiv_q_2exp(r, r, static_cast<unsigned long>(guard));
   exp_fixed(r, r, n);
   return enclosure(r, chord_error_bits(n) + function_error_bits, precision - exponent, bits);
 }

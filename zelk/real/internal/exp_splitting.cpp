@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <memory>
-#include <vector>
 
 #include "zelk/numbers/integer.h"
 #include "zelk/real/internal/fixed_point.h"

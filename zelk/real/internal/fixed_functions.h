@@ -18,8 +18,8 @@ void exp_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
 /// log x. Requires: 4/3 <= x < 8/3.
 void log_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
 
-/// atan x. Requires: 0 <= x <= 1. Of an x < 2^-lost there are `lost` more bits of error, up to
-/// lost = 3n + 4, from where on there are none.
+/// atan x. Requires: 0 <= x <= 1. The error is 2^lost times as great for an x between 2^-lost and
+/// 1, where lost <= 64 n/20; below that the series is summed, and nothing is lost.
 void atan_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n);
 
 }  // namespace zelk::real

@@ -11,7 +11,7 @@ __extension__ using Wide = __int128;
 
 enum class Arc { tangent, hyperbolic_tangent };
 
-/// atan or atanh of n/d, within 40 units of 2^-100. Requires: n/d <= 1/16, both below 2^12.
+/// atan or atanh of n/d over 2^100, within 40 units. Requires: n <= 32 n <= d.
 constexpr Wide arc(Arc kind, long n, long d) {
   Wide power = (static_cast<Wide>(n) << 100) / d;
   Wide sum = power;
@@ -47,7 +47,7 @@ constexpr auto arcs = [] {
   return table;
 }();
 
-/// d (1 ± d^2/3 + d^4/5 ± d^6/7 + d^8/9) over 2^64, of a d over 2^69. Requires: |d| <= 1/63.
+/// d (1 ± d^2/3 + d^4/5 ± d^6/7 + d^8/9) over 2^64, of a d over 2^69. Requires: |d| <= 1/64.
 std::int64_t arc_of_small(Arc kind, std::int64_t d) {
   auto const square = static_cast<std::int64_t>((static_cast<Wide>(d) * d) >> 74);  // over 2^64
   auto const by_square = [=](std::int64_t n) {
