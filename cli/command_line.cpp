@@ -123,7 +123,7 @@ CLI::Option* add_option(CLI::App& to, std::string const& name, std::string& text
 bool is_disguised(std::string_view word) {
   if (!word.starts_with(" -") || word.size() < 3 || word == " -h") return false;
   constexpr std::string_view others = "-o0123456789";
-  return others.find(word[2]) == others.npos;
+  return others.find(word[2]) == std::string_view::npos;
 }
 
 CommandLine::CommandLine() {
@@ -289,7 +289,7 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
     if (argument.is_option()) line += ' ' + argument.name;
     std::string_view text = given.front();
     if (is_disguised(text)) text.remove_prefix(1);
-    std::string_view const quote = text.find_first_of(" \t") == text.npos ? "" : "'";
+    std::string_view const quote = text.find_first_of(" \t") == std::string_view::npos ? "" : "'";
     line.append(" ").append(quote);
     query.words.back() = Word{text, line.size() + 1};
     line.append(text).append(quote);

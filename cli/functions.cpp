@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <compare>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -216,7 +217,7 @@ Answer compare(Query const& query, Approximators& approximators) {
     auto const order =
         real::compare(approximators.functions, query.expressions[0], query.expressions[1]);
     if (!order) refuse(query, *query.words[0], undecided);
-    return Relation{*order < 0 ? "<" : *order > 0 ? ">" : "="};
+    return Relation{std::is_lt(*order) ? "<" : std::is_gt(*order) ? ">" : "="};
   });
 }
 

@@ -141,8 +141,9 @@ void plot_expression(PlotOptions const& options, Settings const& settings) {
       try {
         auto const [bounds, is_narrow] =
             real::enclose(approximators.functions, expression.at(x), *query.digits);
-        auto const ends = ' ' + show(bounds.lower()) + ' ' + show(bounds.upper()) + '\n';
-        script += show(x.lower()) + ends + show(x.upper()) + ends;
+        for (auto const* end : {&x.lower(), &x.upper()})
+          for (auto const* number : {end, &bounds.lower(), &bounds.upper()})
+            script.append(show(*number)) += number == &bounds.upper() ? '\n' : ' ';
         ++drawn;
       } catch (std::domain_error const&) {
         script += '\n';  // a gap

@@ -15,7 +15,7 @@ std::vector<QNumber> convergents(std::vector<QNumber> const& terms) {
     last.append(term.numerator());
     // Negative terms can make k negative. With all signs changed the recurrence goes on the same.
     if (mpz_sgn(last.k.get()) < 0)
-      for (mpz_ptr const n : {mpz_ptr(last.h), mpz_ptr(last.h0), mpz_ptr(last.k), mpz_ptr(last.k0)})
+      for (mpz_ptr n : {mpz_ptr(last.h), mpz_ptr(last.h0), mpz_ptr(last.k), mpz_ptr(last.k0)})
         mpz_neg(n, n);
     all.push_back(QNumber::from_lowest_terms({last.h, last.k}));
   }

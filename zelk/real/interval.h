@@ -19,8 +19,8 @@ class ZELK_EXPORT Interval {
  public:
   /// A point: [number, number]. Machine integers convert as they do to `QNumber`.
   template <class T>
-  requires(std::convertible_to<T, QNumber>) Interval(T&& number)
-      : low(std::forward<T>(number)), high(low) {}
+  requires(std::convertible_to<T, QNumber>) Interval(T number)
+      : low(std::move(number)), high(low) {}
 
   /// [lower, upper]. Throws: std::domain_error if lower > upper.
   Interval(QNumber lower, QNumber upper);

@@ -42,8 +42,8 @@ Interval pow_by_logarithm(QNumber const& x, QNumber const& y, long bits, Constan
   for (long more = 6;; more *= 2) {
     auto const log = log_at(x, std::max(0L, bits + factors) + more, constants);
     auto const exponent = y * log;
-    Interval const power(exp_at(exponent.lower(), bits + 2, constants).lower(),
-                         exp_at(exponent.upper(), bits + 2, constants).upper());
+    Interval power(exp_at(exponent.lower(), bits + 2, constants).lower(),
+                   exp_at(exponent.upper(), bits + 2, constants).upper());
     if (is_narrow(power, bits)) return power;
   }
 }
@@ -63,7 +63,7 @@ Interval tan_at(QNumber const& x, long bits, Constants& constants) {
       cos = -cos;
       sin = -sin;
     }
-    auto const tan = quotient_outward(sin, cos, bits + 2);
+    auto tan = quotient_outward(sin, cos, bits + 2);
     if (is_narrow(tan, bits)) return tan;
     // The slope of the tangent is 1/cos^2.
     working_bits += 2 - 2 * std::min(0L, magnitude(cos.lower()) - 2);
