@@ -52,10 +52,9 @@ void Answers::compute(Item& item) {
   auto const places = places_of(query, style);
   double const bits = settings.limits.check(query, places).held;
   if (kept + bits > share) let_go();
-  Answer const answer = solver.answer_within(share - kept, query, bits);
-  item.answer = style.json ? to_json(item.query, query, answer, style)
-                           : to_text(query, answer, style, " ", "; ");
-  item.note = note_on(query, answer, style);
+  auto const answered = solver.answer_within(share - kept, query, bits, style.certificate);
+  item.answer = to_output(item.query, query, answered, style, " ", "; ");
+  item.note = note_on(query, answered.answer, style);
 }
 
 void Answers::keep(Item const& item) {

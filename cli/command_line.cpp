@@ -143,6 +143,9 @@ CommandLine::CommandLine() {
                  std::to_string(places_beyond_digits) + ", or " +
                  std::to_string(places_without_digits) + "; alone it\nmeans --format decimal too");
   add_flag(app, "--json", settings.style.json, "Print each answer as a JSON object on one line");
+  add_flag(app, "--certificate", settings.style.certificate,
+           "Print a certificate of each answer of exp, sin, cos, pi and eval in\n"
+           "its place, as JSON Lines; with --json after it");
   add_option(app, "--max-digits", max_digits, "N", "Refuse queries for more DIGITS");
   add_option(app, "--max-bits", max_bits, "N",
              "Refuse queries that would take more bits of memory, or work\n"
@@ -315,12 +318,12 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
       return std::snprintf(text.data(), text.size(), "%.*s%s: %ld s, %s", is_long ? 27 : 30,
                            line.c_str(), is_long ? "..." : "", seconds, far);
     });
-    Answer const answer =
-        Solver(settings.limits).answer_within(settings.limits.max_bits, query, demand.held);
-    print({settings.style.json ? to_json(line, query, answer, settings.style)
-                               : to_text(query, answer, settings.style, "\n", "\n"),
-           "\n"});
-    if (auto const* const note = note_on(query, answer, settings.style)) complain({note});
+    auto const& style = settings.style;
+    auto const answered =
+        Solver(settings.limits)
+            .answer_within(settings.limits.max_bits, query, demand.held, style.certificate);
+    print({to_output(line, query, answered, style, "\n", "\n"), "\n"});
+    if (auto const* const note = note_on(query, answered.answer, style)) complain({note});
     return 0;
   } catch (Refusal const& refusal) {
     if (settings.style.json) {

@@ -203,13 +203,47 @@ Answer pi(Query const& query, Approximators& approximators) {
                                         : approximators.series.machin_pi_bounds(*query.digits);
 }
 
+Evaluation evaluation_of(real::Enclosure const& found) {
+  return {{found.bounds.lower(), found.bounds.upper()}, found.is_narrow};
+}
+
+real::Accuracy accuracy_of(Query const& query) {
+  return query.relative != 0 ? real::Accuracy::relative(*query.digits)
+                             : real::Accuracy::absolute(*query.digits);
+}
+
 Answer eval(Query const& query, Approximators& approximators) {
   return certainly(query, [&]() -> Answer {
-    auto const accuracy = query.relative != 0 ? real::Accuracy::relative(*query.digits)
-                                              : real::Accuracy::absolute(*query.digits);
-    auto const found = real::enclose(approximators.functions, query.expressions[0], accuracy);
-    return Evaluation{{found.bounds.lower(), found.bounds.upper()}, found.is_narrow};
+    return evaluation_of(
+        real::enclose(approximators.functions, query.expressions[0], accuracy_of(query)));
   });
+}
+
+Proven prove_eval(Query const& query, Approximators& approximators) {
+  Proven proven;
+  certainly(query, [&]() -> Answer {
+    auto found = certify::prove(approximators.functions, query.expressions[0], accuracy_of(query));
+    proven = {evaluation_of(found.answer), std::move(found.certificate)};
+    return {};
+  });
+  return proven;
+}
+
+/// `certify` makes a certificate of the bounds.
+template <auto& solve, auto& certify>
+Proven prove_sum(Query const& query, Approximators& approximators) {
+  if (query.kind == Query::derivative)
+    refuse(query, *query.words[0], "there are no certificates of companion bounds");
+  auto const bounds = std::get<Bounds>(solve(query, approximators));
+  // Short bounds hold those of one digit more.
+  unsigned const digits = *query.digits + (query.kind == Query::shortened ? 1 : 0);
+  return {bounds, certify(approximators.series, query.numbers[0], digits,
+                          real::Interval(bounds.first, bounds.second))};
+}
+
+Proven prove_pi(Query const& query, Approximators& approximators) {
+  auto const bounds = std::get<Bounds>(pi(query, approximators));
+  return {bounds, certify::certify_pi(real::Interval(bounds.first, bounds.second))};
 }
 
 Answer compare(Query const& query, Approximators& approximators) {
@@ -317,7 +351,8 @@ std::span<Function const> all_functions() {
                   "any width; the larger comes first if X < 0"}},
        .can_be_plotted = true,
        .demand = demand_of_exp,
-       .solve = exp},
+       .solve = exp,
+       .prove = prove_sum<exp, certify::certify_exp>},
       {.name = "sin",
        .summary = "Bounds of sin X less than 2*10^-DIGITS apart, one per line",
        .examples = "  zelk sin 1/2 20 --short\n"
@@ -328,7 +363,8 @@ std::span<Function const> all_functions() {
                   "Bounds of the derivative cos X instead, of any width"}},
        .can_be_plotted = true,
        .demand = demand_of_sine,
-       .solve = sin},
+       .solve = sin,
+       .prove = prove_sum<sin, certify::certify_sin>},
       {.name = "cos",
        .summary = "Bounds of cos X less than 2*10^-DIGITS apart, one per line",
        .examples = "  zelk cos 1/2 20 --short",
@@ -338,7 +374,8 @@ std::span<Function const> all_functions() {
                   "Bounds of the derivative -sin X instead"}},
        .can_be_plotted = true,
        .demand = demand_of_sine,
-       .solve = cos},
+       .solve = cos,
+       .prove = prove_sum<cos, certify::certify_cos>},
       {.name = "pi",
        .summary = "Bounds of pi at most 10^-DIGITS apart, one per line",
        .examples = "  zelk pi 20 --short\n"
@@ -348,7 +385,8 @@ std::span<Function const> all_functions() {
                   "Short fractions, as close to each other, and in no time"}},
        .can_be_plotted = false,
        .demand = demand_of_pi,
-       .solve = pi},
+       .solve = pi,
+       .prove = prove_pi},
       {.name = "eval",
        .summary = "Bounds of an expression at most 10^-DIGITS apart, one per line",
        .examples =
@@ -365,7 +403,8 @@ std::span<Function const> all_functions() {
                   "value apart; decimals have powers of ten"}},
        .can_be_plotted = false,
        .demand = demand_of_expression,
-       .solve = eval},
+       .solve = eval,
+       .prove = prove_eval},
       {.name = "compare",
        .summary = "Whether A is less than B, equal or greater: <, = or >",
        .examples =

@@ -10,6 +10,7 @@
 #include "cli/query.h"
 #include "zelk/approx/power_series_approximator.h"
 #include "zelk/approx/rational_approximator.h"
+#include "zelk/certify/prove.h"
 #include "zelk/real/elementary_functions.h"
 
 namespace zelk::cli {
@@ -61,6 +62,12 @@ struct Relation {
 using Answer =
     std::variant<Terms, QNumber, std::vector<Convergent>, Best, Bounds, Evaluation, Relation>;
 
+/// An answer and why it is right.
+struct Proven {
+  Answer answer;
+  verify::Certificate certificate;
+};
+
 struct Approximators {
   explicit Approximators(double max_bits) : functions(max_bits) {}
 
@@ -81,6 +88,9 @@ struct Function {
   bool can_be_plotted;  // its bounds, over a range of points
   Demand (&demand)(Query const& query, unsigned places);
   Answer (&solve)(Query const& query, Approximators& approximators);  // Throws: Refusal.
+
+  /// The same with a certificate; null where there are none.
+  Proven (*prove)(Query const& query, Approximators& approximators) = nullptr;
 };
 
 std::span<Function const> all_functions();

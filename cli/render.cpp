@@ -215,6 +215,15 @@ char const* note_on(Query const& query, Answer const& answer, Style const& style
              : nullptr;
 }
 
+std::string to_output(std::string_view query_text, Query const& query, Answered const& answered,
+                      Style const& style, std::string_view separator, std::string_view between) {
+  auto const& [answer, certificate] = answered;
+  if (!style.json)
+    return certificate.empty() ? to_text(query, answer, style, separator, between) : certificate;
+  auto const object = to_json(query_text, query, answer, style);
+  return certificate.empty() ? object : object + '\n' + certificate;
+}
+
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,
                     Style const& style) {
   std::string object = R"({"query":)";

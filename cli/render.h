@@ -6,6 +6,7 @@
 
 #include "cli/functions.h"
 #include "cli/json.h"
+#include "cli/solver.h"
 
 namespace zelk::cli {
 
@@ -17,6 +18,7 @@ struct Style {
   Format format = Format::fraction;
   std::optional<unsigned> places;  // of decimals, if they are not to follow from the query
   bool json = false;
+  bool certificate = false;  // in the place of text, and after JSON
 };
 
 // Decimal places by default: these more than the digits asked for, or so many where no digits are.
@@ -33,6 +35,10 @@ std::string to_text(Query const& query, Answer const& answer, Style const& style
 /// What is to be told beside the answer, or null: an answer that is not 0 is shown by decimals that
 /// are all 0, but for an end that was rounded outward; or bounds are farther apart than asked for.
 char const* note_on(Query const& query, Answer const& answer, Style const& style);
+
+/// All that is told of an answer: its certificate in the place of text, and after an object.
+std::string to_output(std::string_view query_text, Query const& query, Answered const& answered,
+                      Style const& style, std::string_view separator, std::string_view between);
 
 /// The answer as a JSON object on one line. Bytes that are no UTF-8 are replaced.
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,

@@ -1,11 +1,18 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "cli/functions.h"
 #include "cli/limits.h"
 
 namespace zelk::cli {
+
+/// An answer, with its certificate if it was asked for: lines, the last without its end.
+struct Answered {
+  Answer answer;
+  std::string certificate;
+};
 
 /// Asks the library, through one pair of approximators at a time.
 class Solver {
@@ -19,7 +26,10 @@ class Solver {
 
   /// The same of a query that was found to take so many bits. What the tables of the library hold
   /// is let go before it would be more than `room`, so far as a single query leaves that choice.
-  Answer answer_within(double room, Query const& query, double bits);
+  Answer answer_within(double room, Query const& query, double bits) {
+    return answer_within(room, query, bits, false).answer;
+  }
+  Answered answer_within(double room, Query const& query, double bits, bool with_certificate);
 
   /// Lets go of what the tables hold.
   void let_go();

@@ -8,7 +8,7 @@ set(zelk_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/zelk")
 set(zelk_pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
 install(
-  TARGETS zelk zelk_convert zelk_real
+  TARGETS zelk zelk_convert zelk_real zelk_verify zelk_certify
   EXPORT zelkTargets
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development
@@ -31,7 +31,7 @@ install(
 
 # For pkg-config, by the way from a .pc file back to the prefix.
 string(REGEX REPLACE "[^/]+" ".." pkgconfig_to_prefix "${zelk_pkgconfig_dir}")
-foreach(name IN ITEMS zelk zelk-convert zelk-real)
+foreach(name IN ITEMS zelk zelk-convert zelk-real zelk-verify zelk-certify)
   configure_file("${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in" ${name}.pc @ONLY)
   install(
     FILES "${PROJECT_BINARY_DIR}/${name}.pc"
@@ -54,7 +54,7 @@ endif()
 
 # Shared libraries are looked for by the way from whoever needs them.
 if(BUILD_SHARED_LIBS)
-  set_target_properties(zelk_convert zelk_real PROPERTIES INSTALL_RPATH "$ORIGIN")
+  set_target_properties(zelk_convert zelk_real zelk_verify zelk_certify PROPERTIES INSTALL_RPATH "$ORIGIN")
   if(ZELK_BUILD_CLI)
     file(RELATIVE_PATH bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
     set_target_properties(zelk_cli PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")

@@ -62,6 +62,17 @@ struct Value {
 /// What is known exactly is given exactly.
 Value exactly(QNumber value) { return {std::move(value), {}}; }
 
+/// An end that is not the value itself keeps away from it: so the length of a proof of each answer
+/// is known beforehand. What shows the sign of a value has no nearer end.
+Interval kept_apart(Interval const& bounds, long bits) {
+  auto const margin = zelk::pow(2, -(bits + answer_margin_bits));
+  auto const beyond = [&](QNumber const& end, QNumber const& by) {
+    return end.is_zero() ? end : end + by;
+  };
+  return Interval(
+      Interval::Ordered{beyond(bounds.lower(), -margin), beyond(bounds.upper(), margin)});
+}
+
 /// The value that `at` encloses to any number of bits. `exponent` may be any guess of its binary
 /// one: a good one saves work, and a great one is needed where the value is great.
 template <class At>
@@ -70,7 +81,8 @@ Value enclose(Goal const& goal, At const& at, long exponent = 0) {
   if (!goal.is_relative()) {
     goal.require_room(static_cast<double>(bits) + static_cast<double>(exponent));
     auto bounds = at(bits);
-    return {bounds, bounds.is_point() ? QNumber() : goal.slack()};
+    if (bounds.is_point()) return {std::move(bounds), {}};
+    return {kept_apart(bounds, bits), goal.slack()};
   }
   goal.require_room(static_cast<double>(bits) + std::abs(static_cast<double>(exponent)));
   for (long more = bits + 64, needed = bits - exponent;; more *= 2) {
@@ -83,7 +95,10 @@ Value enclose(Goal const& goal, At const& at, long exponent = 0) {
     }
     auto const& nearest = bounds.sign() > 0 ? bounds.lower() : bounds.upper();
     long const enough = bits - (magnitude(nearest) - 2);
-    if (needed >= enough) return {bounds, abs(nearest) * goal.slack()};
+    if (needed >= enough) {
+      auto const slack = abs(nearest) * goal.slack();
+      return {kept_apart(bounds, enough), slack};
+    }
     needed = enough;
   }
 }

@@ -11,6 +11,10 @@ namespace zelk::real {
 
 class Constants;
 
+/// Between an end of an answer and the true value lie more than 10^-digits / 2^(this + 8), or that
+/// times the value, unless the end is 0 or the value itself. Proofs of answers rest on it.
+inline constexpr long answer_margin_bits = 32;
+
 /// The elementary functions over intervals.
 ///
 /// An answer holds every value that the function takes on x. Its ends are within the accuracy asked

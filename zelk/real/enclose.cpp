@@ -99,10 +99,10 @@ std::optional<QNumber> best(ElementaryFunctions& functions, Expression const& ex
 }  // namespace
 
 Enclosure enclose(ElementaryFunctions& functions, Expression const& expression, Accuracy accuracy,
-                  unsigned most_digits) {
+                  unsigned most_digits, Steps* steps) {
   Tolerance const tolerance(accuracy, most_digits);
   Enclosure answer{0, false};
-  refine(functions, expression, accuracy.digits(), most_digits, [&](Value const& value) {
+  auto const judge = [&](Value const& value) {
     auto const outer = value.outer();
     bool const is_one = value.is_number() || tolerance.is_narrow(outer);
     auto const& lower_end = is_one ? outer : value.lower_end();
@@ -113,7 +113,8 @@ Enclosure enclose(ElementaryFunctions& functions, Expression const& expression, 
       answer.is_narrow = tolerance.is_kept_by(answer.bounds);
     }
     return missing;
-  });
+  };
+  refine(functions, expression, accuracy.digits(), most_digits, judge, steps);
   return answer;
 }
 

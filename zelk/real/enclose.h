@@ -43,10 +43,21 @@ struct Enclosure {
   bool is_narrow;
 };
 
+/// What an enclosure rests on.
+struct Steps {
+  /// What encloses each part of the expression, in postfix order. Sums, products and quotients, and
+  /// powers of few bits, hold what interval arithmetic makes of their operands; images under
+  /// functions are those of `ElementaryFunctions`, which keep their margin at `digits` digits, or
+  /// so many digits of the value. The last lies in the answer.
+  std::vector<Interval> parts;
+  unsigned digits = 0;
+};
+
 /// Bounds of the value, at most 10^-digits apart, or 10^-digits times the value, and rational
 /// numbers that are short for that; a value known to be rational exactly.
 ZELK_EXPORT Enclosure enclose(ElementaryFunctions& functions, Expression const& expression,
-                              Accuracy accuracy, unsigned most_digits = default_most_digits);
+                              Accuracy accuracy, unsigned most_digits = default_most_digits,
+                              Steps* steps = nullptr);
 
 /// The beginning of a continued fraction, canonical: floors, and the last of several at least 2.
 struct Terms {

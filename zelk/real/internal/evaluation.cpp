@@ -49,12 +49,18 @@ QNumber unknown_width(Operands operands) {
 
 }  // namespace
 
-std::variant<Value, Undecided> evaluate(Expression const& expression, Precision const& precision) {
+std::variant<Value, Undecided> evaluate(Expression const& expression, Precision const& precision,
+                                        std::vector<Interval>* parts) {
   std::vector<Value> values;
+  auto const note = [&] {
+    if (parts != nullptr) parts->push_back(values.back().outer());
+  };
+  if (parts != nullptr) parts->clear();
   auto next = expression.numbers().begin();
   for (Kind const kind : expression.postfix()) {
     if (kind == Kind::number) {
       values.emplace_back(*next++);
+      note();
       continue;
     }
     auto const& row = row_of(kind);
@@ -63,6 +69,7 @@ std::variant<Value, Undecided> evaluate(Expression const& expression, Precision 
       auto value = row.evaluate(precision, operands);
       values.erase(values.end() - row.arity, values.end());
       values.push_back(std::move(value));
+      note();
     } catch (std::domain_error const& error) {
       if (!may_be_defined(row, precision, operands)) throw;
       return Undecided{error.what(), unknown_width(operands)};

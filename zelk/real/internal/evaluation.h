@@ -2,6 +2,7 @@
 
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "zelk/numbers/q_number.h"
 #include "zelk/real/expression.h"
@@ -21,6 +22,9 @@ struct Undecided {
 /// Throws: std::domain_error if an operation is certainly not defined on all of its operands;
 /// std::length_error if a result would be too long; std::invalid_argument if the expression has a
 /// variable.
-std::variant<Value, Undecided> evaluate(Expression const& expression, Precision const& precision);
+///
+/// Where `parts` are asked for, they become what encloses each part, in postfix order.
+std::variant<Value, Undecided> evaluate(Expression const& expression, Precision const& precision,
+                                        std::vector<Interval>* parts = nullptr);
 
 }  // namespace zelk::real

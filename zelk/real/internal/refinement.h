@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "zelk/real/elementary_functions.h"
+#include "zelk/real/enclose.h"
 #include "zelk/real/expression.h"
 #include "zelk/real/internal/evaluation.h"
 #include "zelk/real/internal/fixed_point.h"
@@ -29,14 +30,18 @@ inline bool is_hopeless(QNumber const& width, unsigned long most_digits) {
 /// is content. That is a function of the value, which says how many digits are missing, as far as
 /// it knows, or nothing.
 ///
+/// Where `steps` are asked for, they become those of the last evaluation.
+///
 /// Throws: also std::domain_error if it is given up to tell whether an operation is defined.
 template <class Judge>
 void refine(ElementaryFunctions& functions, Expression const& expression, unsigned long digits,
-            unsigned most_digits, Judge const& judge) {
+            unsigned most_digits, Judge const& judge, Steps* steps = nullptr) {
   // However many they are, the errors add up to less than 10^-digits, unless they are magnified.
   digits += 3 + std::to_string(expression.postfix().size()).size();
   for (;;) {
-    auto const result = evaluate(expression, Precision(functions, digits));
+    if (steps != nullptr) steps->digits = static_cast<unsigned>(digits);
+    auto const result = evaluate(expression, Precision(functions, digits),
+                                 steps != nullptr ? &steps->parts : nullptr);
     std::optional<unsigned long> missing = 0;
     if (auto const* undecided = std::get_if<Undecided>(&result)) {
       if (is_hopeless(undecided->width, most_digits))

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cmath>
+
+#include "zelk/verify/verify.h"
+
+namespace zelk::verify {
+
+/// Why a claim does not follow.
+struct Rejected {
+  char const* reason;
+};
+
+inline void need(bool condition, char const* reason) {
+  if (!condition) throw Rejected{reason};
+}
+
+/// What may still be done. A unit is an integer, and all numbers here are far below 2^53 or beyond
+/// every limit, so that doubles count exactly.
+class Budget {
+ public:
+  explicit Budget(Limits const& limits) : left(limits.work) {}
+
+  /// To be called before work.
+  void spend(double units) {
+    left -= units;
+    need(left >= 0, "too much work");
+  }
+
+  /// So many products of so many bits.
+  void spend_products(double count, double bits) {
+    spend(count * bits * std::floor(std::sqrt(bits)));
+  }
+
+ private:
+  double left;
+};
+
+}  // namespace zelk::verify

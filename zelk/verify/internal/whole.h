@@ -1,0 +1,87 @@
+#pragma once
+
+#include <gmp.h>
+
+#include <utility>
+
+#include "zelk/numbers/q_number.h"
+
+namespace zelk::verify {
+
+/// An integer of any size, with the operators that the checks are written in. Divisions and shifts
+/// to the right are floors.
+class Whole {
+ public:
+  Whole(long n = 0) { mpz_init_set_si(own, n); }
+  explicit Whole(mpz_srcptr n) { mpz_init_set(own, n); }
+  Whole(Whole const& other) { mpz_init_set(own, other.own); }
+  Whole(Whole&& other) noexcept {
+    mpz_init(own);
+    mpz_swap(own, other.own);
+  }
+  Whole& operator=(Whole other) noexcept {
+    mpz_swap(own, other.own);
+    return *this;
+  }
+  ~Whole() { mpz_clear(own); }
+
+  friend Whole operator-(Whole a) {
+    mpz_neg(a.own, a.own);
+    return a;
+  }
+  friend Whole operator+(Whole a, Whole const& b) {
+    mpz_add(a.own, a.own, b.own);
+    return a;
+  }
+  friend Whole operator-(Whole a, Whole const& b) {
+    mpz_sub(a.own, a.own, b.own);
+    return a;
+  }
+  friend Whole operator*(Whole const& a, Whole const& b) {
+    Whole product;
+    mpz_mul(product.own, a.own, b.own);
+    return product;
+  }
+  friend Whole operator/(Whole a, Whole const& b) {
+    mpz_fdiv_q(a.own, a.own, b.own);
+    return a;
+  }
+  friend Whole operator<<(Whole a, long by) {
+    mpz_mul_2exp(a.own, a.own, static_cast<mp_bitcnt_t>(by));
+    return a;
+  }
+  friend Whole operator>>(Whole a, long by) {
+    mpz_fdiv_q_2exp(a.own, a.own, static_cast<mp_bitcnt_t>(by));
+    return a;
+  }
+
+  friend bool operator==(Whole const& a, Whole const& b) { return mpz_cmp(a.own, b.own) == 0; }
+  friend auto operator<=>(Whole const& a, Whole const& b) { return mpz_cmp(a.own, b.own) <=> 0; }
+
+  int sign() const { return mpz_sgn(own); }
+  bool is_odd() const { return mpz_odd_p(own) != 0; }
+
+  /// Of the magnitude; 0 has none.
+  long bits() const { return sign() == 0 ? 0 : static_cast<long>(mpz_sizeinbase(own, 2)); }
+
+  bool fits() const { return mpz_fits_slong_p(own) != 0; }
+  long to_long() const { return mpz_get_si(own); }
+  QNumber to_number() const { return QNumber::from_mpz(own, Whole(1).own); }
+
+  friend Whole square_root(Whole a) {
+    mpz_sqrt(a.own, a.own);
+    return a;
+  }
+
+ private:
+  mpz_t own;
+};
+
+inline Whole ceil_shift(Whole const& a, long by) { return -(-a >> by); }
+inline Whole ceil_quotient(Whole const& a, Whole const& b) { return -(-a / b); }
+inline Whole magnitude_of(Whole const& a) { return a.sign() < 0 ? -a : a; }
+
+inline Whole above(QNumber const& q) { return Whole(q.numerator().get()); }
+inline Whole below(QNumber const& q) { return Whole(q.denominator().get()); }
+
+}  // namespace zelk::verify

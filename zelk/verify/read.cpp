@@ -1,0 +1,152 @@
+#include "zelk/verify/read.h"
+
+#include <gmp.h>
+
+#include <algorithm>
+#include <string>
+
+#include "zelk/verify/internal/whole.h"
+
+namespace zelk::verify {
+
+namespace {
+
+constexpr std::string_view beginning = R"({"certificate":)";
+constexpr std::size_t most_claims = 1UL << 16;
+constexpr std::size_t most_bytes = 1UL << 26;
+
+/// A line whose members are in order, without blanks, and strings or lists of strings.
+class Line {
+ public:
+  explicit Line(std::string_view text) : rest(text) {}
+
+  void expect(std::string_view text) {
+    if (!rest.starts_with(text)) throw NoCertificate("a line without the right members");
+    rest.remove_prefix(text.size());
+  }
+
+  /// Without escapes.
+  std::string_view string() {
+    expect("\"");
+    auto const end = rest.find('"');
+    if (end == rest.npos) throw NoCertificate("a line without the right members");
+    auto const word = rest.substr(0, end);
+    if (!std::ranges::all_of(word, [](char c) { return c >= ' ' && c <= '~' && c != '\\'; }))
+      throw NoCertificate("a line that is not spelled as it should be");
+    rest.remove_prefix(end + 1);
+    return word;
+  }
+
+  template <class Take>
+  void list(Take const& take) {
+    expect("[");
+    for (bool is_first = true; !rest.starts_with("]"); is_first = false) {
+      if (!is_first) expect(",");
+      take(string());
+    }
+    expect("]");
+  }
+
+  void end() const {
+    if (!rest.empty()) throw NoCertificate("a line without the right members");
+  }
+
+ private:
+  std::string_view rest;
+};
+
+bool is_positive(std::string_view word) {
+  return !word.empty() && word.front() != '0' &&
+         std::ranges::all_of(word, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+class Reader {
+ public:
+  explicit Reader(Limits const& limits) : work_left(limits.work) {}
+
+  QNumber number(std::string_view word) {
+    auto const slash = std::min(word.find('/'), word.size());
+    auto const magnitude = word.substr(0, slash).substr(word.starts_with('-') ? 1 : 0);
+    if (!(is_positive(magnitude) || word.substr(0, slash) == "0") ||
+        !(slash == word.size() || is_positive(word.substr(slash + 1))))
+      throw NoCertificate("a number that is not spelled as it should be");
+    work_left -= static_cast<double>(word.size()) * static_cast<double>(word.size());
+    if (work_left < 0) throw NoCertificate("longer than allowed");
+    mpq_t q;
+    mpq_init(q);
+    mpq_set_str(q, std::string(word).c_str(), 10);
+    mpz_gcd(QNumber::gmp_tmp[0], mpq_numref(q), mpq_denref(q));
+    bool const is_reduced = mpz_cmp_ui(QNumber::gmp_tmp[0], 1) == 0 && word.substr(slash) != "/1";
+    auto const value = is_reduced ? QNumber::from_lowest_terms({mpq_numref(q), mpq_denref(q)}) : 0;
+    mpq_clear(q);
+    if (!is_reduced) throw NoCertificate("a number that is not in lowest terms");
+    return value;
+  }
+
+  Claim claim(std::string_view text) {
+    Claim claim;
+    Line line(text);
+    line.expect(R"({"theorem":)");
+    claim.theorem = line.string();
+    line.expect(R"(,"arguments":)");
+    line.list([&](std::string_view word) { claim.arguments.push_back(number(word)); });
+    line.expect(R"(,"premises":)");
+    line.list([&](std::string_view word) {
+      if (!is_positive(word) || word.size() > 9)
+        throw NoCertificate("a premise that is not a number of a claim");
+      claim.premises.push_back(std::stoul(std::string(word)));
+    });
+    line.expect(R"(,"lower":)");
+    claim.lower = number(line.string());
+    line.expect(R"(,"upper":)");
+    claim.upper = number(line.string());
+    line.expect("}");
+    line.end();
+    return claim;
+  }
+
+ private:
+  double work_left;
+};
+
+std::string_view take_line(std::string_view& text) {
+  auto const end = std::min(text.find('\n'), text.size());
+  auto const line = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return line;
+}
+
+}  // namespace
+
+std::string_view next_certificate(std::string_view& text) {
+  auto rest = text;
+  do take_line(rest);
+  while (!rest.empty() && !rest.starts_with(beginning));
+  auto const first = text.substr(0, text.size() - rest.size());
+  text = rest;
+  return first;
+}
+
+Certificate read_certificate(std::string_view lines, Limits const& limits) {
+  if (lines.size() > most_bytes) throw NoCertificate("longer than allowed");
+  Certificate certificate;
+  Line first(take_line(lines));
+  first.expect(R"({"certificate":)");
+  auto const version = first.string();
+  first.expect(R"(,"claims":)");
+  auto const count = first.string();
+  first.expect(R"(,"statement":)");
+  certificate.statement = first.string();
+  first.expect("}");
+  first.end();
+  if (version != "1") throw NoCertificate("an unknown version");
+  auto const present = static_cast<std::size_t>(std::ranges::count(lines, '\n')) +
+                       (!lines.empty() && lines.back() != '\n' ? 1 : 0);
+  if (count != std::to_string(present) || present == 0 || present > most_claims)
+    throw NoCertificate("wrong number of claims");
+  for (Reader reader(limits); !lines.empty();)
+    certificate.claims.push_back(reader.claim(take_line(lines)));
+  return certificate;
+}
+
+}  // namespace zelk::verify

@@ -1,0 +1,110 @@
+#include "zelk/verify/verify.h"
+
+#include <gmp.h>
+
+#include <deque>
+
+#include "zelk/verify/internal/theorems.h"
+#include "zelk/verify/internal/whole.h"
+
+namespace zelk::verify {
+
+namespace {
+
+constexpr std::size_t most_claims = 1UL << 16;
+constexpr double most_text = 1UL << 26;
+
+std::string text_of(mpz_srcptr n) {
+  std::string digits(mpz_sizeinbase(n, 10) + 2, '\0');
+  mpz_get_str(digits.data(), 10, n);
+  digits.resize(digits.find('\0'));
+  return digits;
+}
+
+std::string text_of(QNumber const& q) {
+  auto const numerator = q.numerator(), denominator = q.denominator();
+  return q.is_integer() ? text_of(numerator.get())
+                        : text_of(numerator.get()) + "/" + text_of(denominator.get());
+}
+
+std::string text_of(QNumber const& lower, QNumber const& upper) {
+  if (!(lower == upper)) return "[" + text_of(lower) + ", " + text_of(upper) + "]";
+  return lower.is_integer() && lower.sign() >= 0 ? text_of(lower) : "(" + text_of(lower) + ")";
+}
+
+double bits_of(QNumber const& q) { return static_cast<double>(above(q).bits() + below(q).bits()); }
+
+/// What a claim is about.
+std::string filled_in(Theorem const& theorem, Case const& claim) {
+  if (theorem.text.empty()) return text_of(claim.lower, claim.upper);
+  std::string text;
+  auto premise = claim.premises.begin();
+  for (char const c : theorem.text) {
+    if (c == '#')
+      text += (*premise++)->text;
+    else
+      text += c;
+  }
+  return text;
+}
+
+class Checker {
+ public:
+  explicit Checker(Limits const& limits) : budget(limits) {}
+
+  void check(Claim const& claim) {
+    auto const* const theorem = find_theorem(claim.theorem);
+    need(theorem != nullptr, "an unknown theorem");
+    need(claim.premises.size() == theorem->premises, "wrong number of premises");
+    need(claim.arguments.size() == theorem->arguments, "wrong number of arguments");
+    Case one{claim.arguments, {}, claim.lower, claim.upper, budget};
+    double bits = bits_of(claim.lower) + bits_of(claim.upper);
+    for (auto const& argument : claim.arguments) bits += bits_of(argument);
+    double work = bits, text = bits + 64;
+    for (auto const premise : claim.premises) {
+      need(premise >= 1 && premise <= known.size(), "a premise that does not stand before");
+      one.premises.push_back(&known[premise - 1]);
+      work += one.premises.back()->bits;
+      text += static_cast<double>(one.premises.back()->text.size());
+    }
+    need(text <= text_left, "too long a statement");
+    budget.spend_products(16, work);
+    need(!(claim.upper < claim.lower), "ends in the wrong order");
+    Known fact{filled_in(*theorem, one), claim.lower, claim.upper, bits};
+    need(theorem->follows(one), "does not follow");
+    text_left -= static_cast<double>(fact.text.size());
+    known.push_back(std::move(fact));
+  }
+
+  std::string const& last() const { return known.back().text; }
+
+ private:
+  Budget budget;
+  double text_left = most_text;
+  std::deque<Known> known;  // which premises point into
+};
+
+}  // namespace
+
+Verdict verify(Certificate const& certificate, Limits const& limits) {
+  Verdict verdict;
+  Checker checker(limits);
+  try {
+    auto const& claims = certificate.claims;
+    need(!claims.empty() && claims.size() <= most_claims, "wrong number of claims");
+    for (auto const& claim : claims) {
+      ++verdict.claim;
+      checker.check(claim);
+    }
+    need(checker.last() == certificate.statement, "is not what the first line states");
+    auto const& answer = claims.back();
+    verdict.statement = certificate.statement + " in [" + text_of(answer.lower) + ", " +
+                        text_of(answer.upper) + "]";
+    verdict.is_accepted = true;
+  } catch (Rejected const& rejected) {
+    verdict.reason = rejected.reason;
+  }
+  return verdict;
+}
+
+}  // namespace zelk::verify

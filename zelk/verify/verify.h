@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "zelk/config.h"
+#include "zelk/verify/certificate.h"
+
+/// The checker of certificates. It computes with integers alone, and shares no code with what finds
+/// values or makes certificates.
+namespace zelk::verify {
+
+/// What a certificate may take: the units of work are products of numbers with b bits, each of
+/// which counts b^(3/2). What would take more is refused before the work.
+struct Limits {
+  double work = 1099511627776;  // 2^40
+};
+
+struct Verdict {
+  bool is_accepted = false;
+  std::size_t claim = 0;  // the first that does not follow, counted from 1
+  std::string reason;     // why not
+
+  /// What the last claim is about, in full. Requires: accepted.
+  std::string statement;
+};
+
+/// Whether each claim follows from those before it, and the last is about what is stated.
+///
+/// The certificate may come from anywhere: whatever it holds, nothing is thrown but std::bad_alloc.
+ZELK_EXPORT Verdict verify(Certificate const& certificate, Limits const& limits = {});
+
+}  // namespace zelk::verify
