@@ -1,0 +1,336 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/support/random_number.h"
+#include "zelk/approx/cosine.h"
+#include "zelk/approx/short_bounds.h"
+#include "zelk/certify/prove.h"
+#include "zelk/certify/write.h"
+#include "zelk/numbers/functions.h"
+#include "zelk/real/parse.h"
+#include "zelk/verify/read.h"
+#include "zelk/verify/verify.h"
+
+namespace zelk::certify {
+
+namespace {
+
+using real::Accuracy;
+using real::Interval;
+using verify::Certificate;
+
+std::string without_reason(std::string const& line) {
+  return line.starts_with("rejected: claim ") ? line.substr(0, line.find(':', 16))
+         : line.starts_with("no certificate") ? "no certificate"
+                                              : line;
+}
+
+std::string judge(std::string_view lines) {
+  try {
+    auto const verdict = verify::verify(verify::read_certificate(lines));
+    return verdict.is_accepted ? "accepted: " + verdict.statement
+                               : "rejected: claim " + std::to_string(verdict.claim);
+  } catch (verify::NoCertificate const&) {
+    return "no certificate";
+  }
+}
+
+/// The verdicts on the certificates of each text, after they have been found to be the same of the
+/// other checker, with its exit status.
+std::vector<std::string> judge_by_both(std::vector<std::string> const& texts) {
+  std::string command = CHECK_CERTIFICATE;
+  std::vector<std::string> paths;
+  for (auto const& text : texts) {
+    paths.push_back(testing::TempDir() + "zelk_" + std::to_string(getpid()) + "_" +
+                    std::to_string(paths.size()));
+    std::ofstream(paths.back()) << text;
+    command += " " + paths.back();
+  }
+  auto* const pipe = popen(command.c_str(), "r");
+  std::string output;
+  for (int c = 0; (c = std::fgetc(pipe)) != EOF;) output += static_cast<char>(c);
+  int const status = WEXITSTATUS(pclose(pipe));
+  for (auto const& path : paths) std::remove(path.c_str());
+
+  std::vector<std::string> verdicts;
+  std::istringstream lines(output);
+  int worst = 0;
+  for (std::string_view text : texts) do {
+      auto const one = verify::next_certificate(text);
+      verdicts.push_back(judge(one));
+      std::string line;
+      std::getline(lines, line);
+      EXPECT_EQ(verdicts.back(), without_reason(line)) << one.substr(0, 2000);
+      int const verdict = line.starts_with("accepted") ? 0 : line.starts_with("rejected") ? 1 : 2;
+      worst = std::max(worst, verdict);
+    } while (!text.empty());
+  EXPECT_EQ(status, worst);
+  return verdicts;
+}
+
+/// Random questions of every kind.
+class Questions {
+ public:
+  explicit Questions(unsigned seed) : next(test::random_bytes(seed)) {}
+
+  /// Nothing where the function is not defined.
+  std::optional<Proof> ask(unsigned kind) {
+    auto const accuracy = next() % 2 != 0 ? Accuracy(next() % 40) : Accuracy::relative(next() % 40);
+    auto& f = functions;
+    try {
+      switch (kind % 15) {
+        case 0:
+          return prove_exp(f, interval(9), accuracy);
+        case 1:
+          return prove_log(f, interval(999), accuracy);
+        case 2:
+          return prove_root(f, interval(99), 1 + next() % 6, accuracy);
+        case 3:
+          return prove_pow(f, interval(9), number(5), accuracy);
+        case 4:
+          return prove_sin(f, interval(20), accuracy);
+        case 5:
+          return prove_cos(f, interval(20), accuracy);
+        case 6:
+          return prove_tan(f, interval(3), accuracy);
+        case 7:
+          return prove_asin(f, interval(1), accuracy);
+        case 8:
+          return prove_acos(f, interval(1), accuracy);
+        case 9:
+          return prove_atan(f, interval(99), accuracy);
+        case 10:
+          return prove_sinh(f, interval(9), accuracy);
+        case 11:
+          return prove_cosh(f, interval(9), accuracy);
+        case 12:
+          return prove_tanh(f, interval(9), accuracy);
+        case 13:
+          return prove_pi(f, accuracy);
+        default:
+          return prove(f,
+                       real::pow(real::exp(interval(3)), real::sqrt(interval(3))) -
+                           real::Expression::pi() * interval(9) / real::log(interval(9)),
+                       next() % 40);
+      }
+    } catch (std::domain_error const&) {
+      return {};
+    } catch (std::length_error const&) {  // a relative width of what may be 0
+      return {};
+    }
+  }
+
+ private:
+  QNumber number(long most) {
+    long const d = 1 + next() % (next() % 2 != 0 ? 4 : 200);
+    return {static_cast<long>(next() * 256 + next()) % (2 * most * d + 1) - most * d, d};
+  }
+  Interval interval(long most) {
+    auto const a = number(most), b = next() % 3 != 0 ? a : number(most);
+    return a < b ? Interval(a, b) : Interval(b, a);
+  }
+
+  decltype(test::random_bytes(0)) next;
+  real::ElementaryFunctions functions;
+};
+
+TEST(Certificates, OfRandomAnswersAreAccepted) {
+  Questions questions(1);
+  std::string text;
+  std::size_t count = 0;
+  for (unsigned i = 0; i < 2000; ++i)
+    if (auto const proof = questions.ask(i)) {
+      auto const& last = proof->certificate.claims.back();
+      ASSERT_TRUE(Interval(last.lower, last.upper) == proof->answer.bounds);
+      text += to_json_lines(proof->certificate);
+      ++count;
+    }
+  EXPECT_GT(count, 1000U);
+  na::RationalApproximator rational;
+  na::PowerSeriesApproximator series(rational);
+  for (long n = -60; n <= 60; n += 3)
+    for (unsigned const digits : {0U, 1U, 9U, 30U}) {
+      QNumber const x(n, 7);
+      auto const add = [&](auto certify, auto const& bounds) {
+        text += to_json_lines(certify(series, x, digits, Interval(bounds.first, bounds.second)));
+        ++count;
+      };
+      add(certify_exp, series.maclaurin_exp_bounds(x, digits));
+      add(certify_sin, series.maclaurin_sin_bounds(x, digits));
+      add(certify_cos, na::cosine_bounds(series, x, digits));
+    }
+  for (unsigned digits = 0; digits < 100; ++digits)
+    for (auto const& bounds : {series.machin_pi_bounds(digits), na::short_pi_bounds(digits)}) {
+      text += to_json_lines(certify_pi(Interval(bounds.first, bounds.second)));
+      ++count;
+    }
+  auto const verdicts = judge_by_both({text});
+  EXPECT_EQ(verdicts.size(), count);
+  for (auto const& verdict : verdicts) EXPECT_TRUE(verdict.starts_with("accepted: ")) << verdict;
+}
+
+/// Values whose signs, or whose exactness, hang on the last bit.
+TEST(Certificates, OfCornersAreAccepted) {
+  std::string text;
+  real::ElementaryFunctions functions;
+  for (char const* const expression :
+       {"sin(1e-30)",    "atan(-1e-20)",      "cos(1e-30)",     "tan(355/226)",
+        "tanh(1000000)", "exp(-99)",          "exp(-1000)",     "acos(1 - 1e-50)",
+        "acos(-1)",      "asin(1)",           "log(1 + 1e-40)", "log(1)",
+        "sin(355)",      "cos(11)",           "sin(10^50)",     "pi^100",
+        "2^1000.5",      "(4/9)^-1.5",        "root(-27/8, 3)", "[-2, 1]^2",
+        "[4, 9]^0.5",    "[1, 2]^[0.5, 0.7]", "cosh([-1, 2])",  "sin([-0.1, 8])",
+        "cos([0, 4])",   "sin([0, 1])",       "e^pi - pi^e",    "-[1, 2]/[-3, -1]",
+        "atan(10^300)"})
+    for (unsigned const digits : {0U, 3U, 30U})
+      text +=
+          to_json_lines(prove(functions, real::parse_expression(expression), digits).certificate);
+  for (auto const& verdict : judge_by_both({text})) EXPECT_TRUE(verdict.starts_with("accepted: "));
+}
+
+/// Every way to change one thing.
+std::vector<Certificate> tampered(Certificate const& good) {
+  std::vector<Certificate> all;
+  auto const change = [&](auto const& how) { how(all.emplace_back(good)); };
+  for (std::size_t i = 0; i < good.claims.size(); ++i) {
+    auto const alter = [&](auto const& part_of, QNumber const& q) {
+      for (long const unit : {-1, 1}) {
+        auto const replace = [&](QNumber const& by) {
+          change([&](Certificate& c) { part_of(c.claims[i]) = by; });
+        };
+        replace(QNumber::from_mpz((numerator(q) + unit).numerator(), q.denominator()));
+        if (!(denominator(q) + unit == 0)) replace(numerator(q) / (denominator(q) + unit));
+      }
+    };
+    auto const& claim = good.claims[i];
+    alter(
+        [](auto& c) -> auto& { return c.lower; }, claim.lower);
+    alter(
+        [](auto& c) -> auto& { return c.upper; }, claim.upper);
+    for (std::size_t j = 0; j < claim.arguments.size(); ++j)
+      alter(
+          [j](auto& c) -> auto& { return c.arguments[j]; }, claim.arguments[j]);
+    for (std::size_t j = 0; j < claim.premises.size(); ++j)
+      for (std::size_t to = 1; to <= good.claims.size() + 1; ++to)
+        if (to != claim.premises[j]) change([&](Certificate& c) { c.claims[i].premises[j] = to; });
+    auto const at = static_cast<std::ptrdiff_t>(i);
+    change([&](Certificate& c) { c.claims.erase(c.claims.begin() + at); });
+    change([&](Certificate& c) { c.claims.insert(c.claims.begin() + at, claim); });
+    for (std::size_t j = i + 1; j < good.claims.size(); ++j)
+      change([&](Certificate& c) { std::swap(c.claims[i], c.claims[j]); });
+    for (auto const* const name :
+         {"exp_taylor", "sum", "sin_taylor", "log_by_exp", "number", "Sum"})
+      if (claim.theorem != name) change([&](Certificate& c) { c.claims[i].theorem = name; });
+  }
+  return all;
+}
+
+TEST(Certificates, TamperedWithAreRejectedUnlessTrue) {
+  real::ElementaryFunctions functions;
+  std::string lines;
+  std::vector<std::pair<Certificate, Interval>> all;  // with the truth
+  for (char const* const text :
+       {"exp(1/3)", "log(7)", "sqrt(2)", "sin(9)", "cos(1/2)", "tan(-5/3)", "atan(3)", "asin(-1/3)",
+        "acos(2/3)", "sinh(1/2)", "cosh(1/2)", "tanh(2)", "2^(2/3)", "pi", "pi^e - 3/7",
+        "sin([1, 2])/4", "-log([2, 3])*pi"}) {
+    auto const expression = real::parse_expression(text);
+    auto const truth = real::enclose(functions, expression, 30).bounds;
+    for (auto& bad : tampered(prove(functions, expression, 6).certificate)) {
+      lines += to_json_lines(bad);
+      all.emplace_back(std::move(bad), truth);
+    }
+  }
+  auto const verdicts = judge_by_both({lines});
+  ASSERT_EQ(verdicts.size(), all.size());
+  std::size_t accepted = 0;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (!verdicts[i].starts_with("accepted")) continue;
+    ++accepted;
+    auto const& [bad, truth] = all[i];
+    auto const& last = bad.claims.back();
+    EXPECT_TRUE(Interval(last.lower, last.upper).contains(truth)) << to_json_lines(bad);
+  }
+  EXPECT_GT(accepted, 0U);
+  EXPECT_LT(2 * accepted, all.size());
+}
+
+TEST(Certificates, AreSpelledInOneWayAndRefusedBeforeTheWork) {
+  std::string const first = R"({"certificate":"1","claims":"1","statement":")";
+  std::string const claim = R"({"theorem":"number","arguments":[],"premises":[],"lower":")";
+  auto const about = [&](std::string const& a, std::string const& b) {
+    return first + "[" + a + ", " + b + "]\"}\n" + claim + a + R"(","upper":")" + b + "\"}\n";
+  };
+  auto const by = [&](std::string const& theorem, std::string const& arguments) {
+    return R"({"certificate":"1","claims":"2","statement":"f"})"
+           "\n" +
+           claim +
+           R"(1","upper":"1"})"
+           "\n"
+           R"({"theorem":")" +
+           theorem + R"(","arguments":[)" + arguments +
+           R"(],"premises":["1"],"lower":"0","upper":"9"})"
+           "\n";
+  };
+  struct {
+    std::string lines;
+    std::string verdict;
+  } const table[] = {
+      {about("-1/2", "3"), "accepted: [-1/2, 3] in [-1/2, 3]"},
+      {about("3", "-1/2"), "rejected: claim 1"},
+      {about("2/4", "3"), "no certificate"},
+      {about("1/1", "3"), "no certificate"},
+      {about("-0", "3"), "no certificate"},
+      {about("+1", "3"), "no certificate"},
+      {about("01", "3"), "no certificate"},
+      {about("1/0", "3"), "no certificate"},
+      {about("1/-2", "3"), "no certificate"},
+      {about("0/2", "3"), "no certificate"},
+      {about("1 ", "3"), "no certificate"},
+      {about("", "3"), "no certificate"},
+      {about("1e3", "3000"), "no certificate"},
+      {about("\xd9\xa1", "3"), "no certificate"},
+      {about("\\u0031", "3"), "no certificate"},
+      {about("1", std::string(2000000, '9')), "no certificate"},
+      {"", "no certificate"},
+      {"\n", "no certificate"},
+      {first, "no certificate"},
+      {first + "1\"}\n", "no certificate"},
+      {first + "1\"}\n" + claim + "1\", \"upper\":\"1\"}\n", "no certificate"},
+      {first + "1\"}\n" + claim + "1\",\"upper\":1}\n", "no certificate"},
+      {first + "1\"}\n" + claim + "1\",\"upper\":\"1\"}\n\n", "no certificate"},
+      {first + "1\"}\n" + claim + "1\",\"upper\":\"1\"}", "accepted: 1 in [1, 1]"},
+      {first + "2\"}\n" + claim + "1\",\"upper\":\"1\"}", "rejected: claim 1"},
+      {R"({"certificate":"2","claims":"1","statement":"1"})"
+       "\n" +
+           claim + "1\",\"upper\":\"1\"}",
+       "no certificate"},
+      {by("exp_taylor", R"("1","1000000000","64")"), "rejected: claim 2"},
+      {by("exp_taylor", R"("1","9","999999999999999999999")"), "rejected: claim 2"},
+      {by("exp_taylor", R"("4000000","16000000","16000001")"), "rejected: claim 2"},
+      {by("exp_taylor", R"("1","9","1/2")"), "rejected: claim 2"},
+      {by("exp_taylor", R"("1","-9","64")"), "rejected: claim 2"},
+      {by("exp_taylor", R"("1","9")"), "rejected: claim 2"},
+      {by("exp_partial_sum", R"("10000000")"), "rejected: claim 2"},
+      {by("number", R"()"), "rejected: claim 2"},
+      {by("", R"()"), "rejected: claim 2"},
+  };
+  std::vector<std::string> texts, expected;
+  for (auto const& [lines, verdict] : table) {
+    texts.push_back(lines);
+    expected.push_back(verdict);
+  }
+  EXPECT_EQ(judge_by_both(texts), expected);
+}
+
+}  // namespace
+
+}  // namespace zelk::certify
