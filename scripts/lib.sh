@@ -22,7 +22,7 @@ usage() { sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$0"; }
 needs_command=(g++:"${CXX:-c++}" cmake:cmake ninja-build:ninja libgmp-dev:gmp.h
   libcli11-dev:CLI/CLI.hpp)
 needs_test=("${needs_command[@]}" libgmp-dev:gmpxx.h libmpfr-dev:mpfr.h
-  libmpfi-dev:mpfi.h libgtest-dev:gtest/gtest.h pkg-config:pkg-config)
+  libmpfi-dev:mpfi.h libgtest-dev:gtest/gtest.h pkg-config:pkg-config python3:python3)
 # With what its sanitizers need: the header comes with their runtime library.
 needs_clang=(clang:clang++ libclang-rt-dev:fuzzer/FuzzedDataProvider.h)
 
