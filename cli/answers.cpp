@@ -52,7 +52,7 @@ void Answers::compute(Item& item) {
   auto const places = places_of(query, style);
   double const bits = settings.limits.check(query, places).held;
   if (kept + bits > share) let_go();
-  auto const answered = solver.answer_within(share - kept, query, bits, style.certificate);
+  auto const answered = solver.answer_within(share - kept, query, bits, proof_of(style));
   item.answer = to_output(item.query, query, answered, style, " ", "; ");
   item.note = note_on(query, answered.answer, style);
 }

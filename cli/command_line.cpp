@@ -137,7 +137,7 @@ CommandLine::CommandLine() {
   app.option_defaults()->group(common);
   add_option(app, "--format", format, "FORMAT",
              "How numbers are printed: fraction, decimal with bounds rounded\n"
-             "outward, or both");
+             "outward, or both; coq writes eval's answer as a goal for Coq");
   add_option(app, "--digits-out", places, "N",
              "Decimal places to print, by default DIGITS + " +
                  std::to_string(places_beyond_digits) + ", or " +
@@ -265,12 +265,14 @@ void CommandLine::read_settings() {
   };
   auto const* const known = std::ranges::find(format_names, format);
   if (known == std::end(format_names))
-    refuse(convert::quoted(format) + ": expected fraction, decimal or both");
+    refuse(convert::quoted(format) + ": expected fraction, decimal, both or coq");
   settings.style.format = static_cast<Format>(known - format_names);
   if (app.count("--digits-out") != 0) {
     settings.style.places = parse_count(Word{places});
     if (app.count("--format") == 0) settings.style.format = Format::decimal;
   }
+  if (settings.style.format == Format::coq && (settings.style.json || settings.style.certificate))
+    refuse("--format coq excludes --json and --certificate");
   settings.limits.max_digits = parse_count(Word{max_digits});
   settings.limits.max_bits = static_cast<double>(parse_whole(Word{max_bits}, LONG_MAX));
   if (app.count("--max-memory") != 0) {
@@ -321,7 +323,7 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
     auto const& style = settings.style;
     auto const answered =
         Solver(settings.limits)
-            .answer_within(settings.limits.max_bits, query, demand.held, style.certificate);
+            .answer_within(settings.limits.max_bits, query, demand.held, proof_of(style));
     print({to_output(line, query, answered, style, "\n", "\n"), "\n"});
     if (auto const* const note = note_on(query, answered.answer, style)) complain({note});
     return 0;

@@ -12,6 +12,7 @@
 #include "zelk/approx/cosine.h"
 #include "zelk/approx/short_bounds.h"
 #include "zelk/approx/simplest.h"
+#include "zelk/certify/coq.h"
 #include "zelk/real/enclose.h"
 
 namespace zelk::cli {
@@ -229,6 +230,15 @@ Proven prove_eval(Query const& query, Approximators& approximators) {
   return proven;
 }
 
+std::string goal_of_eval(Query const& query, Answer const& answer) {
+  auto const& [lower, upper] = std::get<Evaluation>(answer).bounds;
+  try {
+    return certify::to_coq(query.expressions[0], real::Interval(lower, upper), *query.digits);
+  } catch (std::domain_error const& error) {
+    refuse(query, *query.words[0], error.what());
+  }
+}
+
 /// `certify` makes a certificate of the bounds.
 template <auto& solve, auto& certify>
 Proven prove_sum(Query const& query, Approximators& approximators) {
@@ -404,7 +414,8 @@ std::span<Function const> all_functions() {
        .can_be_plotted = false,
        .demand = demand_of_expression,
        .solve = eval,
-       .prove = prove_eval},
+       .prove = prove_eval,
+       .goal = goal_of_eval},
       {.name = "compare",
        .summary = "Whether A is less than B, equal or greater: <, = or >",
        .examples =

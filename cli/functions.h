@@ -91,6 +91,9 @@ struct Function {
 
   /// The same with a certificate; null where there are none.
   Proven (*prove)(Query const& query, Approximators& approximators) = nullptr;
+
+  /// The answer as a goal for Coq; null where there are none. Throws: Refusal.
+  std::string (*goal)(Query const& query, Answer const& answer) = nullptr;
 };
 
 std::span<Function const> all_functions();

@@ -158,7 +158,7 @@ _zelk() {
   case $option in
     '') ;;
     --format)
-      mapfile -t COMPREPLY < <(compgen -W 'fraction decimal both' -- "$current")
+      mapfile -t COMPREPLY < <(compgen -W 'fraction decimal both coq' -- "$current")
       return ;;
     -o|--output)
       compopt -o filenames

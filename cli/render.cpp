@@ -164,7 +164,7 @@ struct JsonWriter {
 }  // namespace
 
 unsigned places_of(Query const& query, Style const& style) {
-  if (style.format == Format::fraction) return 0;
+  if (style.format == Format::fraction || style.format == Format::coq) return 0;
   if (style.places) return std::max(*style.places, query.relative != 0 ? 1U : 0U);
   if (!query.digits) return places_without_digits;
   return std::min(*query.digits, UINT_MAX - places_beyond_digits) + places_beyond_digits;
@@ -181,7 +181,8 @@ namespace {
 
 /// Whether an answer that is not 0 is shown by decimals that are all 0.
 bool shows_only_zeros(Query const& query, Answer const& answer, Style const& style) {
-  if (style.format == Format::fraction || query.relative != 0) return false;
+  if (style.format == Format::fraction || style.format == Format::coq || query.relative != 0)
+    return false;
   auto const vanishes = [places = places_of(query, style)](QNumber const& q) {
     if (q.is_zero()) return true;
     // Most numbers are at least 8^-places, by their sizes alone.
@@ -217,11 +218,10 @@ char const* note_on(Query const& query, Answer const& answer, Style const& style
 
 std::string to_output(std::string_view query_text, Query const& query, Answered const& answered,
                       Style const& style, std::string_view separator, std::string_view between) {
-  auto const& [answer, certificate] = answered;
-  if (!style.json)
-    return certificate.empty() ? to_text(query, answer, style, separator, between) : certificate;
+  auto const& [answer, proof] = answered;
+  if (!style.json) return proof.empty() ? to_text(query, answer, style, separator, between) : proof;
   auto const object = to_json(query_text, query, answer, style);
-  return certificate.empty() ? object : object + '\n' + certificate;
+  return proof.empty() ? object : object + '\n' + proof;
 }
 
 std::string to_json(std::string_view query_text, Query const& query, Answer const& answer,

@@ -10,8 +10,8 @@
 
 namespace zelk::cli {
 
-enum class Format { fraction, decimal, both };
-constexpr std::string_view format_names[] = {"fraction", "decimal", "both"};
+enum class Format { fraction, decimal, both, coq };
+constexpr std::string_view format_names[] = {"fraction", "decimal", "both", "coq"};
 
 /// How answers are written.
 struct Style {
@@ -20,6 +20,12 @@ struct Style {
   bool json = false;
   bool certificate = false;  // in the place of text, and after JSON
 };
+
+inline ProofKind proof_of(Style const& style) {
+  return style.certificate             ? ProofKind::certificate
+         : style.format == Format::coq ? ProofKind::goal
+                                       : ProofKind::none;
+}
 
 // Decimal places by default: these more than the digits asked for, or so many where no digits are.
 constexpr unsigned places_beyond_digits = 2;
@@ -36,7 +42,7 @@ std::string to_text(Query const& query, Answer const& answer, Style const& style
 /// are all 0, but for an end that was rounded outward; or bounds are farther apart than asked for.
 char const* note_on(Query const& query, Answer const& answer, Style const& style);
 
-/// All that is told of an answer: its certificate in the place of text, and after an object.
+/// All that is told of an answer: its proof in the place of text, and after an object.
 std::string to_output(std::string_view query_text, Query const& query, Answered const& answered,
                       Style const& style, std::string_view separator, std::string_view between);
 

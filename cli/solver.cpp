@@ -6,20 +6,32 @@
 
 namespace zelk::cli {
 
-Answered Solver::answer_within(double room, Query const& query, double bits,
-                               bool with_certificate) {
+namespace {
+
+[[noreturn]] void refuse(Function const& function, std::string const& what) {
+  throw Refusal(Refusal::Kind::unanswerable, 1, "there are no " + what + " of " + function.name,
+                function.name + ": there are no " + what + " of it");
+}
+
+}  // namespace
+
+Answered Solver::answer_within(double room, Query const& query, double bits, ProofKind kind) {
   auto const& function = *query.function;
-  if (with_certificate && function.prove == nullptr)
-    throw Refusal(Refusal::Kind::unanswerable, 1, "there are no certificates of " + function.name,
-                  function.name + ": there are no certificates of it");
+  if (kind == ProofKind::certificate && function.prove == nullptr) refuse(function, "certificates");
+  if (kind == ProofKind::goal && function.goal == nullptr) refuse(function, "goals");
   if (held + bits > room) let_go();
   if (!approximators) approximators = std::make_unique<Approximators>(limits.max_bits);
   held += bits;
-  if (!with_certificate) return {function.solve(query, *approximators), {}};
-  auto const proven = function.prove(query, *approximators);
-  auto lines = certify::to_json_lines(proven.certificate);
-  lines.pop_back();
-  return {proven.answer, std::move(lines)};
+  Answered answered;
+  if (kind == ProofKind::certificate) {
+    auto proven = function.prove(query, *approximators);
+    answered = {std::move(proven.answer), certify::to_json_lines(proven.certificate)};
+  } else {
+    answered.answer = function.solve(query, *approximators);
+    if (kind == ProofKind::goal) answered.proof = function.goal(query, answered.answer);
+  }
+  if (!answered.proof.empty()) answered.proof.pop_back();
+  return answered;
 }
 
 void Solver::let_go() {

@@ -8,10 +8,12 @@
 
 namespace zelk::cli {
 
-/// An answer, with its certificate if it was asked for: lines, the last without its end.
+enum class ProofKind { none, certificate, goal };
+
+/// An answer, with its proof if one was asked for: lines, the last without its end.
 struct Answered {
   Answer answer;
-  std::string certificate;
+  std::string proof;
 };
 
 /// Asks the library, through one pair of approximators at a time.
@@ -27,9 +29,9 @@ class Solver {
   /// The same of a query that was found to take so many bits. What the tables of the library hold
   /// is let go before it would be more than `room`, so far as a single query leaves that choice.
   Answer answer_within(double room, Query const& query, double bits) {
-    return answer_within(room, query, bits, false).answer;
+    return answer_within(room, query, bits, ProofKind::none).answer;
   }
-  Answered answer_within(double room, Query const& query, double bits, bool with_certificate);
+  Answered answer_within(double room, Query const& query, double bits, ProofKind kind);
 
   /// Lets go of what the tables hold.
   void let_go();

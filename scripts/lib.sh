@@ -17,7 +17,7 @@ die() {
 usage() { sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$0"; }
 
 # What a task needs, as DEBIAN-PACKAGE:HEADER, DEBIAN-PACKAGE:COMMAND or, of a package python3-...,
-# :MODULE. A need is recognised by the thing itself rather than by its package, so that other systems
+# :MODULE, or of a package libcoq-..., :LIBRARY.MODULE. A need is recognised by the thing itself rather than by its package, so that other systems
 # and own installations serve as well.
 needs_command=(g++:"${CXX:-c++}" cmake:cmake ninja-build:ninja libgmp-dev:gmp.h
   libcli11-dev:CLI/CLI.hpp)
@@ -29,12 +29,24 @@ needs_clang=(clang:clang++ libclang-rt-dev:fuzzer/FuzzedDataProvider.h)
 # system_python ARGUMENT...: the interpreter that Debian's modules are installed for, where there is one.
 system_python() { "$(PATH=/usr/bin:$PATH command -v python3)" "$@"; }
 
+# coq_knows LIBRARY.MODULE: whether Coq finds that.
+coq_knows() {
+  local folder status=0
+  command -v coqc >/dev/null || return 1
+  folder=$(mktemp -d)
+  echo "Require $1." >"$folder/probe.v"
+  coqc "$folder/probe.v" >/dev/null 2>&1 || status=$?
+  rm -r "$folder"
+  return "$status"
+}
+
 # missing NEED...: prints the needs that are not met, one a line.
 missing() {
   local need probe='' absent
   for need in "$@"; do
     case $need in
       *.h | *.hpp) probe+="#if !__has_include(<${need#*:}>)"$'\n'"$need"$'\n#endif\n' ;;
+      libcoq-*) coq_knows "${need#*:}" || echo "$need" ;;
       python3-*) system_python -c "import ${need#*:}" 2>/dev/null || echo "$need" ;;
       *) command -v "${need#*:}" >/dev/null || echo "$need" ;;
     esac

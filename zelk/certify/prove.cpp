@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "zelk/certify/internal/arity.h"
 #include "zelk/certify/internal/effort.h"
 #include "zelk/certify/internal/maker.h"
 #include "zelk/convert/text.h"
@@ -19,42 +20,11 @@ using real::Kind;
 using Series = na::PowerSeriesApproximator;
 using Function = Interval (Functions::*)(Interval const& x, Accuracy accuracy);
 
-std::size_t arity_of(Kind kind) {
-  switch (kind) {
-    case Kind::number:
-    case Kind::variable:
-    case Kind::pi:
-    case Kind::e:
-      return 0;
-    case Kind::sum:
-    case Kind::difference:
-    case Kind::product:
-    case Kind::quotient:
-    case Kind::power:
-    case Kind::root:
-      return 2;
-    case Kind::negative:
-    case Kind::exp:
-    case Kind::log:
-    case Kind::sqrt:
-    case Kind::sin:
-    case Kind::cos:
-    case Kind::tan:
-    case Kind::atan:
-    case Kind::asin:
-    case Kind::acos:
-    case Kind::sinh:
-    case Kind::cosh:
-    case Kind::tanh:
-      return 1;
-  }
-  return 0;
-}
-
 Proof prove_image(Functions& functions, Kind kind, std::vector<Interval> const& operands,
                   Interval const& image, Accuracy accuracy) {
   Maker maker(functions);
   std::vector<Part> parts;
+  parts.reserve(operands.size());
   for (auto const& operand : operands) parts.push_back(maker.number(operand));
   auto const answer = maker.combined(kind, std::move(parts), image, accuracy.digits());
   return {{image, true}, maker.finish(answer)};

@@ -29,7 +29,7 @@ class Line {
   std::string_view string() {
     expect("\"");
     auto const end = rest.find('"');
-    if (end == rest.npos) throw NoCertificate("a line without the right members");
+    if (end == std::string_view::npos) throw NoCertificate("a line without the right members");
     auto const word = rest.substr(0, end);
     if (!std::ranges::all_of(word, [](char c) { return c >= ' ' && c <= '~' && c != '\\'; }))
       throw NoCertificate("a line that is not spelled as it should be");
@@ -77,7 +77,7 @@ class Reader {
     mpq_set_str(q, std::string(word).c_str(), 10);
     mpz_gcd(QNumber::gmp_tmp[0], mpq_numref(q), mpq_denref(q));
     bool const is_reduced = mpz_cmp_ui(QNumber::gmp_tmp[0], 1) == 0 && word.substr(slash) != "/1";
-    auto const value = is_reduced ? QNumber::from_lowest_terms({mpq_numref(q), mpq_denref(q)}) : 0;
+    auto value = is_reduced ? QNumber::from_lowest_terms({mpq_numref(q), mpq_denref(q)}) : 0;
     mpq_clear(q);
     if (!is_reduced) throw NoCertificate("a number that is not in lowest terms");
     return value;

@@ -14,7 +14,7 @@ namespace {
 
 long size_of(mpz_srcptr n) { return static_cast<long>(mpz_sizeinbase(n, 2)); }
 
-long width_of(long n) { return std::bit_width(static_cast<unsigned long>(n)); }
+long width_of(long n) { return static_cast<long>(std::bit_width(static_cast<unsigned long>(n))); }
 
 long root_of(long n) { return std::lround(std::sqrt(static_cast<double>(n))); }
 

@@ -81,15 +81,19 @@ Part const& Maker::pi_of(long accuracy) {
 }
 
 Part Maker::turned(std::string const& name, Part const& x, Interval const& image, long accuracy) {
-  std::optional<QNumber> first, last;
-  for (long needed = 8;; needed += accuracy + magnitude(x.bounds)) {
-    auto const& pi = pi_of(needed);
-    first = turns_of(x.bounds.lower(), pi.bounds);
-    last = turns_of(x.bounds.upper(), pi.bounds);
-    if (first && last) break;
+  Interval const coarse(QNumber(333, 106), QNumber(355, 113));
+  auto first = turns_of(x.bounds.lower(), coarse), last = turns_of(x.bounds.upper(), coarse);
+  if (first == QNumber(0) && last == QNumber(0)) {
+    // Without turns, pi only has to show that there are none.
+    if (!known_pi) known_pi = pi(coarse, 0);
+  } else {
+    for (long needed = accuracy + magnitude(x.bounds) + 8;; needed *= 2) {
+      auto const& pi = pi_of(needed).bounds;
+      first = turns_of(x.bounds.lower(), pi);
+      last = turns_of(x.bounds.upper(), pi);
+      if (first && last) break;
+    }
   }
-  // Without turns, pi only has to show that there are none.
-  if (!first->is_zero() || !last->is_zero()) pi_of(accuracy + magnitude(x.bounds) + 8);
   auto const effort = effort_of_turn(accuracy);
   return call(name, name + "_taylor", {*first, *last, effort.halvings, effort.terms, effort.bits},
               {x, *known_pi}, image);

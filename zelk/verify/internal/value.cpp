@@ -147,8 +147,8 @@ Turned turned(QNumber const& x, QNumber const& turns, QNumber const& pi_below,
   need(error << 4 <= one, "too few bits");
   if (low.sign() < 0) sine = -sine;
   error = error + high - low;
-  auto const around = [&](Whole const& mid) {
-    return Value{std::max(mid, error) - error, std::min(mid + error, one), bits};
+  auto const around = [&, b = bits](Whole const& mid) {
+    return Value{std::max(mid, error) - error, std::min(mid + error, one), b};
   };
   Value const s = around(sine), c = around(cosine);
   long const quarter = above(turns - 4 * floor(turns / 4)).to_long();

@@ -19,7 +19,11 @@ class Whole {
     mpz_init(own);
     mpz_swap(own, other.own);
   }
-  Whole& operator=(Whole other) noexcept {
+  Whole& operator=(Whole const& other) {
+    mpz_set(own, other.own);
+    return *this;
+  }
+  Whole& operator=(Whole&& other) noexcept {
     mpz_swap(own, other.own);
     return *this;
   }
