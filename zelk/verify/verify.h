@@ -10,8 +10,8 @@
 /// values or makes certificates.
 namespace zelk::verify {
 
-/// What a certificate may take: the units of work are products of numbers with b bits, each of
-/// which counts b^(3/2). What would take more is refused before the work.
+/// What a certificate may take, in units: a product of numbers with b bits counts b^(3/2), and a
+/// division b^2/8. What would take more is refused before the work.
 struct Limits {
   double work = 1099511627776;  // 2^40
 };

@@ -27,9 +27,9 @@ class Budget {
     need(left >= 0, "too much work");
   }
 
-  /// So many products of so many bits.
-  void spend_products(double count, double bits) {
-    spend(count * bits * std::floor(std::sqrt(bits)));
+  /// So many products and divisions of so many bits.
+  void spend_products(double count, double bits, double divisions = 0) {
+    spend(count * bits * std::floor(std::sqrt(bits)) + std::floor(divisions * bits * bits / 8));
   }
 
  private:

@@ -29,18 +29,19 @@ long argument(QNumber const& q, long least, long most) {
 
 long bits_of(Case const& claim) {
   long const bits = argument(claim.arguments.back(), 8, most_bits);
-  claim.budget.spend_products(64, static_cast<double>(bits));
+  claim.budget.spend_products(64, static_cast<double>(bits), 2);
   return bits;
 }
 
-/// The last three arguments.
-Effort effort_of(Case const& claim) {
+/// The last three arguments; and whether each halving divides.
+Effort effort_of(Case const& claim, bool divides = false) {
   auto const numbers = claim.arguments.last(3);
   long const bits = argument(numbers[2], 8, most_bits);
   long const halvings = argument(numbers[0], 0, bits - 1),
              terms = argument(numbers[1], 1, most_bits);
   claim.budget.spend_products(4.0 * static_cast<double>(halvings + terms + 16),
-                              static_cast<double>(bits));
+                              static_cast<double>(bits),
+                              2 + (divides ? static_cast<double>(halvings) : 0));
   return {halvings, terms, bits};
 }
 
@@ -158,9 +159,9 @@ Value odd(QNumber const& x, Effort const& effort) {
   return x.sign() < 0 ? opposite(value) : value;
 }
 
-template <Value (*value_at)(QNumber const& x, Effort const& effort)>
+template <Value (*value_at)(QNumber const& x, Effort const& effort), bool divides = false>
 bool increasing(Case const& claim) {
-  auto const effort = effort_of(claim);
+  auto const effort = effort_of(claim, divides);
   auto const& x = *claim.premises[0];
   auto const first = value_at(x.lower, effort);
   return reaches_down(first, claim.lower) &&
@@ -168,7 +169,7 @@ bool increasing(Case const& claim) {
 }
 
 bool acos(Case const& claim) {
-  auto const effort = effort_of(claim);
+  auto const effort = effort_of(claim, true);
   auto const& x = *claim.premises[0];
   auto const least = acos_at(x.upper, effort);
   return reaches_down(least, claim.lower) &&
@@ -321,8 +322,8 @@ constexpr std::array theorems = {
     Theorem{"sin_partial_sum", 1, 1, "sin(#)", alternating_sum<1>},
     Theorem{"cos_partial_sum", 1, 1, "cos(#)", alternating_sum<0>},
     Theorem{"tan_taylor", 2, 5, "tan(#)", tan},
-    Theorem{"atan_series", 1, 3, "atan(#)", increasing<odd<atan_at>>},
-    Theorem{"asin_series", 1, 3, "asin(#)", increasing<odd<asin_at>>},
+    Theorem{"atan_series", 1, 3, "atan(#)", increasing<odd<atan_at>, true>},
+    Theorem{"asin_series", 1, 3, "asin(#)", increasing<odd<asin_at>, true>},
     Theorem{"acos_series", 1, 3, "acos(#)", acos},
     Theorem{"sinh_taylor", 1, 3, "sinh(#)", increasing<odd<sinh_at>>},
     Theorem{"cosh_taylor", 1, 3, "cosh(#)", cosh},
