@@ -320,6 +320,7 @@ TEST(Certificates, AreSpelledInOneWayAndRefusedBeforeTheWork) {
       {by("exp_taylor", R"("1","-9","64")"), "rejected: claim 2"},
       {by("exp_taylor", R"("1","9")"), "rejected: claim 2"},
       {by("exp_partial_sum", R"("10000000")"), "rejected: claim 2"},
+      {by("sinh_taylor", R"("7","300","8")"), "rejected: claim 2"},  // nothing left of e to invert
       {by("number", R"()"), "rejected: claim 2"},
       {by("", R"()"), "rejected: claim 2"},
   };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "zelk/numbers/functions.h"
 #include "zelk/verify/internal/value.h"
@@ -90,6 +91,11 @@ bool quotient(Case const& claim) {
 bool powers_follow(Case const& claim, long n, long d, long bits) {
   auto const& x = *claim.premises[0];
   need(n > 0 || x.lower.sign() > 0 || x.upper.sign() < 0, "a power of 0");
+  long size = bits;
+  for (auto const* q : {&x.lower, &x.upper, &claim.lower, &claim.upper})
+    size = std::max({size, above(*q).bits(), below(*q).bits()});
+  claim.budget.spend_products(16 * static_cast<double>(Whole(n).bits() + Whole(d).bits()),
+                              static_cast<double>(size));
   bool const is_even = n % 2 == 0;
   QNumber low = x.lower, high = x.upper;
   if (is_even && low.sign() < 0) {
@@ -200,7 +206,8 @@ long terms_of(Case const& claim, QNumber const& x, long least) {
   long const terms = argument(claim.arguments[0], least, most_bits);
   auto const count = static_cast<double>(terms);
   auto const size = static_cast<double>(Whole(terms).bits() + above(x).bits() + below(x).bits());
-  claim.budget.spend(4 * count * count * size);
+  claim.budget.spend_products(2 * count * count, size);
+  claim.budget.spend(std::floor(count * size * count * size / 8));
   return terms;
 }
 

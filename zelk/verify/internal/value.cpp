@@ -19,6 +19,7 @@ Value rounded_outward(Value const& x, long bits) {
 }
 
 Value inverse(Value const& x, long bits) {
+  need(x.low > 0, "too few bits");
   Whole const unit = Whole(1) << 2 * bits;
   return {unit / x.high, ceil_quotient(unit, x.low), 2 * bits - x.e};
 }
