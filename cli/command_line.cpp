@@ -233,6 +233,11 @@ void CommandLine::add_plots() {
   add_option(command, "EXPRESSION", plot.expression, "", "In x, in quotes for the shell");
   add_output(command);
   add_range(command, plot.expression_digits);
+  // Before anything is drawn.
+  command.parse_complete_callback([this, &command] {
+    if (!command.get_subcommands().empty() && !plot.expression.empty())
+      throw CLI::ArgumentMismatch("unexpected argument: " + plot.expression);
+  });
   command.callback([this, &command] {
     if (!command.get_subcommands().empty()) return;
     if (plot.expression.empty()) throw CLI::RequiredError("a picture or EXPRESSION");

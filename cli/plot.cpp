@@ -75,11 +75,11 @@ Range read_range(PlotOptions const& options) {
   return {from, (to - from) / QNumber(points - 1L), points};
 }
 
-/// Gnuplot's own quotes within quotes.
-std::string quoted_for_gnuplot(std::string_view text) {
-  std::string quoted = "'";
-  for (char const c : text) quoted.append(c == '\'' ? "''" : std::string_view(&c, 1));
-  return quoted + '\'';
+/// A text without quotes as one of gnuplot's, which ends with its line.
+std::string quoted_for_gnuplot(std::string text) {
+  std::ranges::replace_if(
+      text, [](char c) { return c == '\n' || c == '\r'; }, ' ');
+  return '\'' + text + '\'';
 }
 
 }  // namespace

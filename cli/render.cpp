@@ -37,20 +37,15 @@ struct Writer {
   }
 
   std::string operator()(QNumber const& value) const {
-    return joined(to_string(value), decimal(value));
+    return joined(to_string(value), [&] { return decimal(value); });
   }
 
   std::string operator()(Bounds const& bounds) const {
     return joined(to_string(bounds.first) + std::string(separator) + to_string(bounds.second),
-                  convert::to_decimal(bounds, places));
+                  [&] { return decimals(bounds); });
   }
 
-  std::string operator()(Evaluation const& evaluation) const {
-    auto const& [lower, upper] = evaluation.bounds;
-    return joined(to_string(lower) + std::string(separator) + to_string(upper),
-                  is_scientific ? convert::to_scientific(evaluation.bounds, places)
-                                : convert::to_decimal(evaluation.bounds, places));
-  }
+  std::string operator()(Evaluation const& evaluation) const { return (*this)(evaluation.bounds); }
 
   std::string operator()(Relation const& relation) const { return std::string(relation.sign); }
 
@@ -81,10 +76,17 @@ struct Writer {
     return convert::to_decimal(value, places, convert::Rounding::nearest);
   }
 
-  std::string joined(std::string fraction, std::string const& decimal) const {
+  std::string decimals(Bounds const& bounds) const {
+    return is_scientific ? convert::to_scientific(bounds, places)
+                         : convert::to_decimal(bounds, places);
+  }
+
+  /// Decimals are made where they are printed only: otherwise there are no places for them.
+  template <class MakeDecimal>
+  std::string joined(std::string fraction, MakeDecimal const& make_decimal) const {
     if (format == Format::fraction) return fraction;
-    if (format == Format::decimal) return decimal;
-    return fraction.append(separator) + decimal;
+    if (format == Format::decimal) return make_decimal();
+    return fraction.append(separator) + make_decimal();
   }
 };
 

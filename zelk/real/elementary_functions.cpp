@@ -173,7 +173,7 @@ Interval wave_image(Interval const& x, long top, Constants& constants, ValueAt c
 }  // namespace
 
 ElementaryFunctions::ElementaryFunctions(double max_bits)
-    : most_bits(max_bits), constants(std::make_unique<Constants>()) {}
+    : most_bits(std::min(max_bits, greatest_max_bits)), constants(std::make_unique<Constants>()) {}
 
 ElementaryFunctions::~ElementaryFunctions() = default;
 
@@ -203,7 +203,7 @@ Interval ElementaryFunctions::root(Interval const& x, unsigned long degree, Accu
       auto const magnitude = root_at(abs(point), degree, bits, *constants);
       return point.sign() < 0 ? -magnitude : magnitude;
     };
-    return enclose(goal, at, magnitude(point) / static_cast<long>(degree));
+    return enclose(goal, at, magnitude(point) / static_cast<long>(std::min(degree, 1UL << 62)));
   });
 }
 

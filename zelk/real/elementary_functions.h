@@ -39,6 +39,10 @@ class ZELK_EXPORT ElementaryFunctions {
  public:
   static constexpr double default_max_bits = 4e9;  // half a gigabyte
 
+  /// What is more counts as this: products on the way have to be shorter than 2^37 bits, beyond
+  /// which GMP ends the program.
+  static constexpr double greatest_max_bits = 0x1p34;
+
   explicit ElementaryFunctions(double max_bits = default_max_bits);
   ElementaryFunctions(ElementaryFunctions const&) = delete;
   ElementaryFunctions& operator=(ElementaryFunctions const&) = delete;
