@@ -94,7 +94,7 @@ Value rational_power(Precision const& precision, Value const& base, QNumber cons
     if (end->is_zero()) continue;
     double const bits = exponent.sign() * log2_of(*end) * times;
     precision.require_room(bits);
-    is_moderate = is_moderate && precision.is_short(std::abs(bits));
+    is_moderate = is_moderate && precision.is_short(-bits);
   }
   auto const accuracy = precision.accuracy(is_moderate);
   return precision.image(base, accuracy, [&](Interval const& argument) {
