@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,6 +18,15 @@ namespace {
   throw std::system_error(errno, std::generic_category(), "cannot read " + name);
 }
 
+/// Whether what is printed would be read in its turn, without end.
+bool is_standard_output(int descriptor) {
+  struct stat input;
+  struct stat output;
+  return fstat(descriptor, &input) == 0 && fstat(STDOUT_FILENO, &output) == 0 &&
+         S_ISREG(input.st_mode) && input.st_size != 0 && input.st_dev == output.st_dev &&
+         input.st_ino == output.st_ino;
+}
+
 }  // namespace
 
 Lines::Lines(std::string file_name, std::function<bool()> before_waiting)
@@ -24,6 +34,11 @@ Lines::Lines(std::string file_name, std::function<bool()> before_waiting)
       prepare_to_wait(std::move(before_waiting)),
       descriptor(name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
   if (descriptor < 0) fail(name);
+  if (is_standard_output(descriptor)) {
+    if (descriptor != STDIN_FILENO) close(descriptor);
+    errno = EDEADLK;
+    fail(name + ", which is the output as well");
+  }
 }
 
 Lines::~Lines() {

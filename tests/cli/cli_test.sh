@@ -32,6 +32,7 @@ stopping() (
   echo cf 1/0 >&3
   exec timeout 20 "$zelk" "$@" <&3
 )
+appending() { cp "$scratch/refused" "$scratch/both" && "$zelk" "$@" "$scratch/both" >>"$scratch/both"; }
 completing() {
   # shellcheck disable=SC2016 # for the other shell
   bash -c 'compopt() { :; }; source <("$0" --bash-completion)
@@ -145,6 +146,8 @@ expect rmdir "$TMPDIR"
 # Everything that --help tells stands in the manual page too: names, descriptions and examples.
 ask plainly --man-page
 expect exits 0
+expect eval '! grep -qE -e "--|[ &,]-[a-z]" "$scratch/out"' # which would be shown as hyphens
+expect test "$(grep -c '^\.SH ' "$scratch/out")" = 9
 manual=$(sed 's/\\&//g; s/\\-/-/g; s/\\e/\\/g' "$scratch/out")
 functions=$("$zelk" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]\+\) .*/\1/p')
 for command in '' $functions 'plot exp' 'plot convergents'; do

@@ -74,6 +74,12 @@ for kind in static shared; do
   done
   ! "${consumer[@]}" -DZELK_VERSION= -DZELK_PART=none >log 2>&1 || die 'found without a part'
   grep -q 'set zelk_FOUND to FALSE' log || die "not refused for its part: $(<log)"
+  ! "${consumer[@]}" -DZELK_PART=real -DCMAKE_DISABLE_FIND_PACKAGE_GMP=ON >log 2>&1 ||
+    die 'found without GMP'
+  grep -q 'GMP, which zelk needs, cannot be found' log || die "not refused for GMP: $(<log)"
+  for part in zelk zelk-{convert,real,verify,certify}; do
+    [[ -e $(pkg-config --variable=libdir "$part")/pkgconfig/$part.pc ]] || die "$part is elsewhere"
+  done
   pkg-config --atleast-version="$major.$minor" zelk-real || die "$version is not enough"
   ! pkg-config --atleast-version="$major.$((minor + 1))" zelk-real || die "$version is too much"
 done
