@@ -53,7 +53,7 @@ std::vector<std::string> judge_by_both(std::vector<std::string> const& texts) {
     paths.push_back(testing::TempDir() + "zelk_" + std::to_string(getpid()) + "_" +
                     std::to_string(paths.size()));
     std::ofstream(paths.back()) << text;
-    command += " " + paths.back();
+    command += " '" + paths.back() + "'";
   }
   auto* const pipe = popen(command.c_str(), "r");
   std::string output;
