@@ -87,6 +87,17 @@ struct {
      "0.197007111401704699388887935224332312531693798532384578995280299138506385078"},
     {"root(-2, 10^15 + 1)",
      "-1.00000000000000069314718055994485649655852061384768266994840485151445918644"},
+    // An operand may be beyond the domain, or too great, until there are digits enough.
+    {"exp(10^60*(sin(1)^2 + cos(1)^2 - 1 + 10^-61))",
+     "1.10517091807564762481170782649024666822454719473751871879286328944096796674"},
+    {"1/cosh(10^60*(sin(1)^2 + cos(1)^2 - 1))", "1"},
+    {"asin(10^40*(sin(1)^2 + cos(1)^2 - 1) + 1/2)",
+     "0.523598775598298873077107230546583814032861566562517636829157432051302734381"},
+    {"2^(10^60*(sin(1)^2 + cos(1)^2 - 1 + 10^-60))", "2"},
+    // Before the digits stand more zeros than are held at first.
+    {"(2/3)^(2*10^6)*1.5^(2*10^6)", "1"},
+    {"exp(-750001)*atan(exp(-10))/(exp(-750000)*atan(exp(-10)))",
+     "0.367879441171442321595523770161460867445811131031767834507836801697461495745"},
     {"root(2, 1000)",
      "1.00069338746258063253756863930385919570829351098020007150877772317929563141"},
 };
@@ -178,6 +189,8 @@ TEST_F(Expressions, OverIntervalsHaveTheEndsOfTheNaturalExtension) {
       EXPECT_TRUE(outside(low - found.lower(), low) && outside(found.upper() - high, high)) << text;
       EXPECT_EQ(is_narrow, found.width() <= unit(accuracy.digits())) << text;
     }
+  EXPECT_TRUE(enclosure("exp([-1000000, 0])/exp(-999999)", Accuracy::relative(5)).bounds.lower() >
+              QNumber(36, 100));
   // So narrow an input may be narrow enough.
   EXPECT_TRUE(enclosure("pi*[1, 1.000000000000000000000000000001]").is_narrow);
 }
@@ -210,8 +223,8 @@ TEST_F(Expressions, AreRefusedWhereTheyAreNotDefined) {
   };
   for (auto const& [text, reason] : rows)
     EXPECT_EQ(refusal<std::domain_error>(text), reason) << text;
-  for (char const* const text :
-       {"2^(10^9)", "((2^1000)^1000)^1000", "2^2^2^2^2^2", "exp(10^10)", "exp(exp(exp(5)))"})
+  for (char const* const text : {"2^(10^9)", "((2^1000)^1000)^1000", "2^2^2^2^2^2", "exp(10^10)",
+                                 "exp(exp(exp(5)))", "1/exp(-10^9)"})
     EXPECT_NE(refusal<std::length_error>(text), "") << text;
   EXPECT_EQ(refusal<std::invalid_argument>("x + 1"), "the variable x has no value");
   // Here more precision decides.
@@ -285,6 +298,11 @@ TEST_F(Expressions, AreComparedForCertain) {
       {"[1, 2]", "1"},
       {"[-1, 2]*pi", "?"},
       {"[0, 1]", "?"},
+      {"exp(-10^9)", "1"},
+      {"1 - pi - exp(-10^9)^2", "-1"},
+      {"sinh(-exp(-10^9)/pi) + -cosh(-10)^(-10^9)", "-1"},
+      {"(-1/3)^(10^9 + 1)*(0 - sqrt(exp(-10^9)))", "1"},
+      {"exp(-10^9) - exp(-10^9)", "?"},
       {"10^-199*(sqrt(2)^2 - 2) + 10^-198", "1"},
   };
   for (auto const& [text, expected] : rows) {

@@ -11,6 +11,7 @@
 #include "zelk/real/internal/composed_functions.h"
 #include "zelk/real/internal/constants.h"
 #include "zelk/real/internal/fixed_point.h"
+#include "zelk/real/internal/limit.h"
 #include "zelk/real/internal/point_functions.h"
 
 namespace zelk::real {
@@ -45,7 +46,7 @@ class Goal {
 
   void require_room(double bits) const {
     if (bits > most_bits)
-      throw std::length_error("a result would have more bits than the limit allows");
+      throw std::length_error(beyond_limit);
   }
 
  private:

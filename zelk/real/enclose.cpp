@@ -33,10 +33,10 @@ class Tolerance {
   }
 
   /// How many digits too wide an enclosure is; nothing if it is not, or is given up.
-  Missing missing(Interval const& enclosure) const {
+  Missing missing(Interval const& enclosure, Signs signs) const {
     if (is_narrow(enclosure)) return nothing;
     auto const width = enclosure.width(), goal = allowed(enclosure);
-    if (goal.is_zero()) return is_hopeless(width, most_digits) ? nothing : Missing(0);
+    if (goal.is_zero()) return signs.zero && is_hopeless(width, most_digits) ? nothing : Missing(0);
     long const excess = decimal_magnitude(width) - decimal_magnitude(goal) + 3;
     return static_cast<unsigned long>(std::max(0L, excess));
   }
@@ -66,19 +66,21 @@ Interval shortened(Interval const& bounds, QNumber const& lower_slack, QNumber c
   return {std::move(lower), std::move(upper)};
 }
 
-/// What `decide` says of the value: a function of an interval, whose answer holds for all numbers
-/// in it, and is nothing if there is no common one. Enclosures are taken down to 10^-extra_digits
-/// times the width at which others give up.
+/// What `decide` says of the value: a function of an interval and the signs in it, whose answer
+/// holds for all numbers in it, and is nothing if there is no common one. Enclosures are taken down
+/// to 10^-extra_digits times the width at which others give up.
 template <class Decide>
 auto decision(ElementaryFunctions& functions, Expression const& expression,
               unsigned long extra_digits, unsigned most_digits, Decide const& decide) {
-  decltype(decide(std::declval<Interval>())) answer;
-  refine(functions, expression, extra_digits, most_digits, [&](Value const& value) -> Missing {
-    answer = decide(value.outer());
+  decltype(decide(std::declval<Interval>(), std::declval<Signs>())) answer;
+  auto const judge = [&](Value const& value, Signs signs) -> Missing {
+    answer = decide(value.outer(), signs);
     if (answer) return nothing;
-    if (auto const inner = value.inner(); inner && !decide(*inner)) return nothing;
+    if (auto const inner = value.inner(); inner && !decide(*inner, Signs::of(*inner)))
+      return nothing;
     return is_hopeless(value.unknown_width(), extra_digits + most_digits) ? nothing : Missing(0);
-  });
+  };
+  refine(functions, expression, extra_digits, most_digits, judge);
   return answer;
 }
 
@@ -88,7 +90,7 @@ std::optional<QNumber> best(ElementaryFunctions& functions, Expression const& ex
                             QNumber const& limit, unsigned most_digits, Best& best_for) {
   auto const digits = limit.is_zero() ? 0 : 2 * std::max(0L, decimal_magnitude(limit));
   return decision(functions, expression, static_cast<unsigned long>(digits), most_digits,
-                  [&](Interval const& x) -> std::optional<QNumber> {
+                  [&](Interval const& x, Signs) -> std::optional<QNumber> {
                     auto answer = best_for(x.lower(), limit);
                     // It never falls where x grows: what it is at both ends, it is between them.
                     if (!x.is_point() && !(best_for(x.upper(), limit) == answer)) return {};
@@ -101,21 +103,18 @@ std::optional<QNumber> best(ElementaryFunctions& functions, Expression const& ex
 Enclosure enclose(ElementaryFunctions& functions, Expression const& expression, Accuracy accuracy,
                   unsigned most_digits, Steps* steps) {
   Tolerance const tolerance(accuracy, most_digits);
-  Enclosure answer{0, false};
-  auto const judge = [&](Value const& value) {
+  Value found(0);
+  auto const judge = [&](Value const& value, Signs signs) {
+    // What is narrow enough as a whole is like one number.
     auto const outer = value.outer();
-    bool const is_one = value.is_number() || tolerance.is_narrow(outer);
-    auto const& lower_end = is_one ? outer : value.lower_end();
-    auto const& upper_end = is_one ? outer : value.upper_end();
-    auto const missing = std::max(tolerance.missing(lower_end), tolerance.missing(upper_end));
-    if (!missing) {
-      answer.bounds = shortened(outer, tolerance.slack(lower_end), tolerance.slack(upper_end));
-      answer.is_narrow = tolerance.is_kept_by(answer.bounds);
-    }
-    return missing;
+    found = tolerance.is_narrow(outer) ? Value::number(outer) : value;
+    return std::max(tolerance.missing(found.lower_end(), signs),
+                    tolerance.missing(found.upper_end(), signs));
   };
   refine(functions, expression, accuracy.digits(), most_digits, judge, steps);
-  return answer;
+  auto const bounds = shortened(found.outer(), tolerance.slack(found.lower_end()),
+                                tolerance.slack(found.upper_end()));
+  return {bounds, tolerance.is_kept_by(bounds)};
 }
 
 Terms terms(ElementaryFunctions& functions, Expression const& expression, std::size_t count,
@@ -124,17 +123,18 @@ Terms terms(ElementaryFunctions& functions, Expression const& expression, std::s
   auto& found = answer.terms;
   // A term takes 1.03 digits on the average.
   auto const digits_for = [](std::size_t terms) { return terms + terms / 16; };
-  refine(functions, expression, digits_for(count), most_digits, [&](Value const& value) -> Missing {
-    auto const outer = value.outer();
-    found = na::common_terms(outer.lower(), outer.upper());
-    answer.is_whole = outer.is_point() && found.size() <= count;
-    if (outer.is_point() || found.size() >= count) return nothing;
-    auto const inner = value.inner();
-    if (inner && na::common_terms(inner->lower(), inner->upper()).size() == found.size())
-      return nothing;
-    if (is_hopeless(value.unknown_width(), most_digits + 2 * count)) return nothing;
-    return digits_for(count - found.size());
-  });
+  refine(functions, expression, digits_for(count), most_digits,
+         [&](Value const& value, Signs) -> Missing {
+           auto const outer = value.outer();
+           found = na::common_terms(outer.lower(), outer.upper());
+           answer.is_whole = outer.is_point() && found.size() <= count;
+           if (outer.is_point() || found.size() >= count) return nothing;
+           auto const inner = value.inner();
+           if (inner && na::common_terms(inner->lower(), inner->upper()).size() == found.size())
+             return nothing;
+           if (is_hopeless(value.unknown_width(), most_digits + 2 * count)) return nothing;
+           return digits_for(count - found.size());
+         });
   if (found.size() > count)
     found.erase(found.begin() + static_cast<std::ptrdiff_t>(count), found.end());
   return answer;
@@ -163,10 +163,7 @@ std::optional<QNumber> best_nearest(ElementaryFunctions& functions, Expression c
 std::optional<int> sign(ElementaryFunctions& functions, Expression const& expression,
                         unsigned most_digits) {
   return decision(functions, expression, 0, most_digits,
-                  [](Interval const& x) -> std::optional<int> {
-                    if (x.sign() == 0 && !x.is_point()) return {};
-                    return x.sign();
-                  });
+                  [](Interval const&, Signs signs) { return signs.only(); });
 }
 
 std::optional<std::strong_ordering> compare(ElementaryFunctions& functions, Expression const& a,

@@ -39,7 +39,8 @@ struct Enclosure {
 
   /// Whether they are as near to each other as the accuracy asks. If not, the cause is an interval
   /// in the expression: then each end is as near as that to the end of the natural interval
-  /// extension. Or the accuracy is relative, and the value has been given up to tell from 0.
+  /// extension. Or the accuracy is relative, and the value has been given up to tell from 0, or
+  /// begins with more zeros than there is room for.
   bool is_narrow;
 };
 

@@ -38,7 +38,7 @@ std::optional<long> small_exponent(QNumber const& base, QNumber const& exponent,
 /// e^(y log x).
 Interval pow_by_logarithm(QNumber const& x, QNumber const& y, long bits, Constants& constants) {
   // The error of y log x times x^y.
-  long const factors = std::max(0L, exponent_of_pow(x, y, constants)) + magnitude(y);
+  long const factors = exponent_of_pow(x, y, constants) + magnitude(y);
   for (long more = 6;; more *= 2) {
     auto const log = log_at(x, std::max(0L, bits + factors) + more, constants);
     auto const exponent = y * log;

@@ -12,70 +12,87 @@ namespace zelk::real {
 namespace {
 
 /// What an operand may be for all that is known: what it is certain to hold, otherwise the ends of
-/// what it may be.
+/// what it may be, and 0 if that lies between. Where a function is not defined, or its values are
+/// too long, on both sides of where it is, that is round 0.
 std::vector<Value> candidates(Value const& operand) {
   if (auto const inner = operand.inner()) return {Value(*inner)};
   auto const outer = operand.outer();
-  return {Value(outer.lower()), Value(outer.upper())};
+  std::vector<Value> all{Value(outer.lower()), Value(outer.upper())};
+  if (outer.sign() == 0) all.emplace_back(0);
+  return all;
 }
 
-bool is_defined(Row const& row, Precision const& precision, Operands operands) {
+bool has_result(Row const& row, Precision const& precision, Operands operands) {
   try {
     row.evaluate(precision, operands);
     return true;
   } catch (std::domain_error const&) {
     return false;
+  } catch (std::length_error const&) {
+    return false;
   }
 }
 
-/// Whether an operation that is not defined on all that the operands may be could be defined on
-/// what they are.
-bool may_be_defined(Row const& row, Precision const& precision, Operands operands) {
+/// Whether an operation without a result on all that the operands may be could have one on what
+/// they are.
+bool may_have_result(Row const& row, Precision const& precision, Operands operands) {
   if (std::all_of(operands.begin(), operands.end(), [](Value const& x) { return x.is_exact(); }))
     return false;
   for (auto const& first : candidates(operands.front()))
     for (auto const& last : candidates(operands.back())) {
       Value const chosen[] = {first, last};
-      if (is_defined(row, precision, Operands(chosen, operands.size()))) return true;
+      if (has_result(row, precision, Operands(chosen, operands.size()))) return true;
     }
   return false;
 }
 
-QNumber unknown_width(Operands operands) {
-  QNumber width;
-  for (auto const& x : operands) width = std::max(width, x.unknown_width());
-  return width;
+/// Requires: an exception is being handled, of an operation on these.
+Undecided undecided(std::exception const& error, bool is_length, Row const& row,
+                    Precision const& precision, Operands operands, SignsOf signs) {
+  if (!may_have_result(row, precision, operands)) throw;
+  Undecided result{error.what(), is_length, {}, false};
+  for (std::size_t i = 0; i < operands.size(); ++i) {
+    result.width = std::max(result.width, operands[i].unknown_width());
+    result.is_blurred = result.is_blurred || is_blurred(signs[i], operands[i].outer());
+  }
+  return result;
 }
 
 }  // namespace
 
-std::variant<Value, Undecided> evaluate(Expression const& expression, Precision const& precision,
-                                        std::vector<Interval>* parts) {
+std::variant<Evaluated, Undecided> evaluate(Expression const& expression,
+                                            Precision const& precision,
+                                            std::vector<Interval>* parts) {
   std::vector<Value> values;
-  auto const note = [&] {
+  std::vector<Signs> signs;
+  auto const push = [&](Value value, Signs const& formal) {
+    signs.push_back(formal & Signs::of(value.outer()));
+    values.push_back(std::move(value));
     if (parts != nullptr) parts->push_back(values.back().outer());
   };
   if (parts != nullptr) parts->clear();
   auto next = expression.numbers().begin();
   for (Kind const kind : expression.postfix()) {
     if (kind == Kind::number) {
-      values.emplace_back(*next++);
-      note();
+      push(Value(*next++), {true, true, true});
       continue;
     }
     auto const& row = row_of(kind);
     Operands const operands(values.end() - row.arity, values.end());
+    SignsOf const signs_of_operands(signs.end() - row.arity, signs.end());
     try {
       auto value = row.evaluate(precision, operands);
+      auto const formal = row.signs(signs_of_operands);
       values.erase(values.end() - row.arity, values.end());
-      values.push_back(std::move(value));
-      note();
+      signs.erase(signs.end() - row.arity, signs.end());
+      push(std::move(value), formal);
     } catch (std::domain_error const& error) {
-      if (!may_be_defined(row, precision, operands)) throw;
-      return Undecided{error.what(), unknown_width(operands)};
+      return undecided(error, false, row, precision, operands, signs_of_operands);
+    } catch (std::length_error const& error) {
+      return undecided(error, true, row, precision, operands, signs_of_operands);
     }
   }
-  return std::move(values.back());
+  return Evaluated{std::move(values.back()), signs.back()};
 }
 
 }  // namespace zelk::real

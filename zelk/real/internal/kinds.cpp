@@ -31,16 +31,18 @@ double log2_of(QNumber const& q) {
 // Where results are asked for with so many significant digits, whatever their size; elsewhere they
 // are not small, or so small that their zeros alone would be long.
 
-bool never(Precision const&, Interval const&) { return false; }
+bool where_zeros_matter(Precision const& precision, Interval const&) {
+  return precision.keeps_zeros();
+}
 bool always(Precision const&, Interval const&) { return true; }
 
-bool is_beyond_one(Precision const&, Interval const& x) {
-  return !(x.lower() < 1) || !(-1 < x.upper());
+bool is_beyond_one(Precision const& precision, Interval const& x) {
+  return precision.keeps_zeros() || !(x.lower() < 1) || !(-1 < x.upper());
 }
 
 bool has_moderate_exp(Precision const& precision, Interval const& x) {
   // e^-2^n has less than 2^(n + 1) zeros.
-  return x.lower().sign() >= 0 || precision.is_short(std::exp2(log2_of(x.lower()) + 1));
+  return x.lower().sign() >= 0 || precision.has_room_for_zeros(std::exp2(log2_of(x.lower()) + 1));
 }
 
 /// A function of one operand.
@@ -94,7 +96,7 @@ Value rational_power(Precision const& precision, Value const& base, QNumber cons
     if (end->is_zero()) continue;
     double const bits = exponent.sign() * log2_of(*end) * times;
     precision.require_room(bits);
-    is_moderate = is_moderate && precision.is_short(-bits);
+    is_moderate = is_moderate && precision.has_room_for_zeros(-bits);
   }
   auto const accuracy = precision.accuracy(is_moderate);
   return precision.image(base, accuracy, [&](Interval const& argument) {
@@ -109,7 +111,7 @@ Value power(Precision const& precision, Operands x) {
   if (base.outer().lower().sign() <= 0)
     throw std::domain_error("power of what is not positive to what is not known to be rational");
   Value const logarithm[] = {
-      apply<&ElementaryFunctions::log, never>(precision, Operands(&base, 1))};
+      apply<&ElementaryFunctions::log, where_zeros_matter>(precision, Operands(&base, 1))};
   Value const factors[] = {exponent, logarithm[0]};
   Value const whole[] = {product(precision, factors)};
   return apply<&ElementaryFunctions::exp, has_moderate_exp>(precision, whole);
@@ -134,30 +136,42 @@ Value sqrt(Precision const& precision, Operands x) { return root_of_degree(preci
 
 using Functions = ElementaryFunctions;
 
+// The signs of operations.
+
+Signs any_sign(SignsOf) { return {true, true, true}; }
+Signs positive(SignsOf) { return {false, false, true}; }
+Signs the_same(SignsOf x) { return x[0]; }
+Signs the_opposite(SignsOf x) { return -x[0]; }
+Signs of_sum(SignsOf x) { return x[0] + x[1]; }
+Signs of_difference(SignsOf x) { return x[0] + -x[1]; }
+Signs of_product(SignsOf x) { return x[0] * x[1]; }
+Signs of_quotient(SignsOf x) { return x[0] * Signs{x[1].negative, false, x[1].positive}; }
+Signs of_power(SignsOf x) { return {x[0].negative, x[0].zero, true}; }
+
 constexpr std::array rows = {
-    Row{Kind::number, "", 0, nullptr},
-    Row{Kind::variable, "x", 0, no_variable},
-    Row{Kind::pi, "pi", 0, pi},
-    Row{Kind::e, "e", 0, e},
-    Row{Kind::negative, "-", 1, negative, 3},
-    Row{Kind::sum, "+", 2, sum, 1},
-    Row{Kind::difference, "-", 2, difference, 1},
-    Row{Kind::product, "*", 2, product, 2},
-    Row{Kind::quotient, "/", 2, quotient, 2},
-    Row{Kind::power, "^", 2, power, 4, true},
-    Row{Kind::exp, "exp", 1, apply<&Functions::exp, has_moderate_exp>},
-    Row{Kind::log, "log", 1, apply<&Functions::log, never>, 0, false, "ln"},
-    Row{Kind::root, "root", 2, root},
-    Row{Kind::sqrt, "sqrt", 1, sqrt},
-    Row{Kind::sin, "sin", 1, apply<&Functions::sin, never>},
-    Row{Kind::cos, "cos", 1, apply<&Functions::cos, never>},
-    Row{Kind::tan, "tan", 1, apply<&Functions::tan, never>},
-    Row{Kind::atan, "atan", 1, apply<&Functions::atan, never>},
-    Row{Kind::asin, "asin", 1, apply<&Functions::asin, never>},
-    Row{Kind::acos, "acos", 1, apply<&Functions::acos, never>},
-    Row{Kind::sinh, "sinh", 1, apply<&Functions::sinh, is_beyond_one>},
-    Row{Kind::cosh, "cosh", 1, apply<&Functions::cosh, always>},
-    Row{Kind::tanh, "tanh", 1, apply<&Functions::tanh, never>},
+    Row{Kind::number, "", 0, nullptr, nullptr},
+    Row{Kind::variable, "x", 0, no_variable, any_sign},
+    Row{Kind::pi, "pi", 0, pi, positive},
+    Row{Kind::e, "e", 0, e, positive},
+    Row{Kind::negative, "-", 1, negative, the_opposite, 3},
+    Row{Kind::sum, "+", 2, sum, of_sum, 1},
+    Row{Kind::difference, "-", 2, difference, of_difference, 1},
+    Row{Kind::product, "*", 2, product, of_product, 2},
+    Row{Kind::quotient, "/", 2, quotient, of_quotient, 2},
+    Row{Kind::power, "^", 2, power, of_power, 4, true},
+    Row{Kind::exp, "exp", 1, apply<&Functions::exp, has_moderate_exp>, positive},
+    Row{Kind::log, "log", 1, apply<&Functions::log, where_zeros_matter>, any_sign, 0, false, "ln"},
+    Row{Kind::root, "root", 2, root, the_same},
+    Row{Kind::sqrt, "sqrt", 1, sqrt, the_same},
+    Row{Kind::sin, "sin", 1, apply<&Functions::sin, where_zeros_matter>, any_sign},
+    Row{Kind::cos, "cos", 1, apply<&Functions::cos, where_zeros_matter>, any_sign},
+    Row{Kind::tan, "tan", 1, apply<&Functions::tan, where_zeros_matter>, any_sign},
+    Row{Kind::atan, "atan", 1, apply<&Functions::atan, where_zeros_matter>, the_same},
+    Row{Kind::asin, "asin", 1, apply<&Functions::asin, where_zeros_matter>, the_same},
+    Row{Kind::acos, "acos", 1, apply<&Functions::acos, where_zeros_matter>, any_sign},
+    Row{Kind::sinh, "sinh", 1, apply<&Functions::sinh, is_beyond_one>, the_same},
+    Row{Kind::cosh, "cosh", 1, apply<&Functions::cosh, always>, positive},
+    Row{Kind::tanh, "tanh", 1, apply<&Functions::tanh, where_zeros_matter>, the_same},
 };
 
 constexpr bool rows_are_in_order() {

@@ -5,6 +5,7 @@
 
 #include "zelk/real/expression.h"
 #include "zelk/real/internal/precision.h"
+#include "zelk/real/internal/signs.h"
 #include "zelk/real/internal/value.h"
 
 namespace zelk::real {
@@ -18,6 +19,9 @@ struct Row {
   /// From the values of the operands that of the operation; null for numbers, which have theirs.
   /// Throws: std::domain_error if there may be none, std::length_error if it is too long.
   Value (*evaluate)(Precision const& precision, Operands operands);
+
+  /// From the signs that the operands may have those that the operation may have.
+  Signs (*signs)(SignsOf operands);
 
   unsigned precedence = 0;  // of operators; the greater binds the tighter
   bool groups_right = false;

@@ -6,6 +6,7 @@
 
 #include "zelk/numbers/functions.h"
 #include "zelk/real/internal/fixed_point.h"
+#include "zelk/real/internal/limit.h"
 #include "zelk/real/internal/outward.h"
 
 namespace zelk::real {
@@ -31,21 +32,21 @@ double size_of(Value const& x) {
   return x.is_number() ? size : std::max(size, size_of(x.upper_end()));
 }
 
-Precision::Precision(ElementaryFunctions& functions, unsigned long wanted)
-    : answers(&functions), digits(static_cast<unsigned>(wanted)) {
+Precision::Precision(ElementaryFunctions& functions, unsigned long wanted, bool keep_zeros)
+    : answers(&functions), digits(static_cast<unsigned>(wanted)), are_zeros_kept(keep_zeros) {
   double const wanted_bits = 3.32193 * static_cast<double>(wanted) + 2;
   if (wanted > std::numeric_limits<unsigned>::max() / 2)
     throw std::length_error("more digits are needed than can be counted");
   require_room(wanted_bits);
   bits = static_cast<long>(wanted_bits);
   unit = zelk::pow(10, -static_cast<long>(wanted));
-  exact_bits = std::min(functions.max_bits() / room_for_products,
-                        std::max(always_short, short_for_precision * wanted_bits));
+  double const room = functions.max_bits() / room_for_products;
+  exact_bits = std::min(room, std::max(always_short, short_for_precision * wanted_bits));
+  most_zeros = keep_zeros ? room : exact_bits;
 }
 
 void Precision::require_room(double result_bits) const {
-  if (result_bits * room_for_products > answers->max_bits())
-    throw std::length_error("a result would have more bits than the limit allows");
+  if (result_bits * room_for_products > answers->max_bits()) throw std::length_error(beyond_limit);
 }
 
 /// Outward, to `bits` bits below the magnitude of x, or below 2^least_magnitude if that is greater.

@@ -18,9 +18,10 @@ using Operands = std::span<Value const>;
 /// Whether they matter after all is seen at the end, and then all digits are raised.
 class Precision {
  public:
-  /// For so many digits. Requires: wanted >= 1, and `functions` live longer.
+  /// For so many digits; with `keep_zeros` of values near 0 too, as far as that can be afforded.
+  /// Requires: wanted >= 1, and `functions` live longer.
   /// Throws: std::length_error if so many digits are beyond the limit of the functions.
-  Precision(ElementaryFunctions& functions, unsigned long wanted);
+  Precision(ElementaryFunctions& functions, unsigned long wanted, bool keep_zeros);
 
   ElementaryFunctions& functions() const { return *answers; }
 
@@ -40,6 +41,11 @@ class Precision {
   /// Whether numbers of so many bits are computed with exactly.
   bool is_short(double size) const { return size <= exact_bits; }
 
+  bool keeps_zeros() const { return are_zeros_kept; }
+
+  /// Whether a value that begins with so many zeros is computed with significant digits.
+  bool has_room_for_zeros(double zeros) const { return zeros <= most_zeros; }
+
   /// Throws: std::length_error if a result of so many bits cannot be afforded. Products, and powers
   /// all the more, take several times the room of their results.
   void require_room(double result_bits) const;
@@ -47,7 +53,7 @@ class Precision {
  private:
   Interval rounded(Interval const& x, long least_magnitude) const;
   Value rounded(Value const& x, long least_magnitude) const;
-  Value rounded(Value const& x) const { return rounded(x, -static_cast<long>(exact_bits)); }
+  Value rounded(Value const& x) const { return rounded(x, -static_cast<long>(most_zeros)); }
   Value shortened_if_exact(Value const& x) const;
   QNumber error_at(QNumber const& end, Accuracy accuracy) const;
 
@@ -56,6 +62,8 @@ class Precision {
   long bits;
   QNumber unit;
   double exact_bits;
+  bool are_zeros_kept;
+  double most_zeros;
 };
 
 /// Of both parts, of the longer end.

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace zelk::real {
+
+/// Why a `std::length_error` is thrown.
+inline constexpr char beyond_limit[] = "a result would have more bits than the limit allows";
+
+}  // namespace zelk::real
