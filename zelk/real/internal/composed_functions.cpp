@@ -124,7 +124,7 @@ Interval pow_at(QNumber const& x, QNumber const& y, long bits, Constants& consta
 }
 
 long exponent_of_exp(QNumber const& x) {
-  static QNumber const log2_e(6497320848556798092, 1L << 62);
+  static QNumber const log2_e(6653256548922161246, 1L << 62);  // nearly
   static QNumber const bound(1L << 62);
   auto const exponent = floor(x * log2_e);
   if (bound < exponent) return 1L << 62;
