@@ -27,7 +27,7 @@ static_assert(Lines::capacity == 16777216);
 
 /// The query of a line, without its comment and the blanks around it.
 Word query_of(std::string_view line) {
-  line = line.substr(0, line.find('#'));
+  line = without_comment(line);
   auto const first = line.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};
   return {line.substr(first, line.find_last_not_of(blanks) - first + 1), first + 1};

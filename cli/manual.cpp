@@ -68,12 +68,18 @@ std::string joined(Names const& names, char const* end) {
   return text;
 }
 
-/// What can be written after the command: commands of its own, and its options.
-Names words_after(CLI::App const& command) {
+/// The options of the command itself.
+Names options_of(CLI::App const& command) {
   Names words;
-  for (auto const* const next : command.get_subcommands({})) words.insert(next->get_name());
   for (auto const* const option : command.get_options())
     for (auto const& name : option->get_lnames()) words.insert("--" + name);
+  return words;
+}
+
+/// What can be written after the command: commands of its own, and its options.
+Names words_after(CLI::App const& command) {
+  Names words = options_of(command);
+  for (auto const* const next : command.get_subcommands({})) words.insert(next->get_name());
   return words;
 }
 
@@ -87,16 +93,20 @@ void add_options_with_value(CLI::App const& command, Names& names) {
   for (auto const* const next : command.get_subcommands({})) add_options_with_value(*next, names);
 }
 
-/// The branches of a shell's `case` that set `words` to what can be written after each command.
+/// The branches of a shell's `case` that set `words` to what can be written after each command. What
+/// stands in the place of a command and is none is an argument: options alone follow it.
 std::string branches(CLI::App const& command, std::string const& path, Names const& common) {
   std::string text;
+  auto const add = [&](std::string const& pattern, Names words) {
+    words.insert(common.begin(), common.end());
+    text += "    " + pattern + ") words='" + joined(words, " ") + "' ;;\n";
+  };
   for (auto const* const next : command.get_subcommands({})) {
     std::string const name = path + next->get_name();
-    Names words = words_after(*next);
-    words.insert(common.begin(), common.end());
-    text += "    " + name + ") words='" + joined(words, " ") + "' ;;\n";
+    add(name, words_after(*next));
     text += branches(*next, name + '-', common);
   }
+  if (!text.empty() && !path.empty()) add(path + '*', options_of(command));
   return text;
 }
 
@@ -150,7 +160,7 @@ _zelk() {
     case $word in
       )bash" +
          patterns + R"bash() option=$word ;;
-      -*|*[0-9]*) ;;
+      -*) ;;
       *) if [[ $path == plot ]]; then path=plot-$word; else path=${path:-$word}; fi ;;
     esac
   done

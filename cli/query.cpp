@@ -16,6 +16,10 @@ namespace {
                 convert::quoted(word.text) + ": " + reason);
 }
 
+constexpr std::string_view blanks = " \t";
+
+bool is_quote(char c) { return c == '"' || c == '\''; }
+
 /// Takes the words of a line one after the other.
 class Words {
  public:
@@ -24,10 +28,12 @@ class Words {
   std::optional<Word> next() {
     auto const begin = line.find_first_not_of(blanks, position);
     if (begin == std::string_view::npos) return std::nullopt;
-    if (char const quote = line[begin]; quote == '"' || quote == '\'') {
-      auto const end = line.find(quote, begin + 1);
+    if (is_quote(line[begin])) {
+      auto const end = line.find(line[begin], begin + 1);
       if (end == std::string_view::npos) refuse({line.substr(begin), begin + 1}, "an open quote");
       position = end + 1;
+      if (position < line.size() && blanks.find(line[position]) == std::string_view::npos)
+        refuse({line.substr(position), position + 1}, "expected a blank after the quote");
       return Word{line.substr(begin + 1, end - begin - 1), begin + 2};
     }
     position = std::min(line.find_first_of(blanks, begin), line.size());
@@ -38,8 +44,6 @@ class Words {
   Word end() const { return {{}, line.size() + 1}; }
 
  private:
-  static constexpr std::string_view blanks = " \t";
-
   std::string_view line;
   std::size_t position = 0;
 };
@@ -119,6 +123,17 @@ void read_value(Word const& word, Query& query) {
 
 }  // namespace
 
+std::string_view without_comment(std::string_view line) {
+  for (std::size_t at = 0;;) {
+    at = std::min(line.find_first_not_of(blanks, at), line.size());
+    if (at == line.size() || line[at] == '#') return line.substr(0, at);
+    // A quote lasts until the next, and elsewhere a word ends where the comment begins.
+    at = is_quote(line[at]) ? line.find(line[at], at + 1) : line.find_first_of(" \t#", at);
+    if (at == std::string_view::npos) return line;
+    if (is_quote(line[at])) ++at;
+  }
+}
+
 Query parse_query(std::string_view line) {
   Words words(line);
   auto const name = words.next();
@@ -180,7 +195,6 @@ void parse_words(Query& query) {
 }
 
 QNumber parse_number(Word const& word) {
-  constexpr std::string_view blanks = " \t";
   constexpr std::string_view digits = "0123456789";
   // The text is brought into the form that the library reads, and columns back.
   auto const size = word.text.size();

@@ -66,9 +66,13 @@ class Refusal : public std::runtime_error {
 };
 
 /// Reads a query from its words with blanks or tabs between them, as on the command line: a word in
-/// quotes, single or double, may hold blanks. The words of the result are parts of the line.
+/// quotes, single or double, with blanks around them, may hold blanks. The words of the result are
+/// parts of the line.
 /// Throws: Refusal.
 Query parse_query(std::string_view line);
+
+/// The line up to its first # that is not in a word in quotes.
+std::string_view without_comment(std::string_view line);
 
 /// Sets the numbers, terms and digits of a query from its words. Throws: Refusal.
 void parse_words(Query& query);
