@@ -118,6 +118,23 @@ CLI::Option* add_option(CLI::App& to, std::string const& name, std::string& text
       ->type_name(type);
 }
 
+/// What is done where expressions are in question: how many operations, and how precisely.
+void describe_work(std::span<char> text, Query const& query) {
+  std::size_t operations = 0;
+  for (auto const& each : query.expressions)
+    operations += each.postfix().size() - each.numbers().size();
+  auto const* const plural = operations == 1 ? "" : "s";
+  if (query.digits)
+    std::snprintf(text.data(), text.size(), "%zu operation%s to %u digits", operations, plural,
+                  *query.digits);
+  else if (query.terms != UINT_MAX)
+    std::snprintf(text.data(), text.size(), "%zu operation%s to %u terms", operations, plural,
+                  query.terms);
+  else
+    std::snprintf(text.data(), text.size(), "%zu operation%s to as many digits as decide",
+                  operations, plural);
+}
+
 /// CLI11 would take -.5, -pi and -(1 - e) for options. With a blank in front they pass, and the
 /// blank counts for nothing in a number or an expression.
 bool is_disguised(std::string_view word) {
@@ -320,6 +337,8 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
       if (auto const steps = counter.steps(); steps != 0)
         std::snprintf(far, sizeof far, "%lu of about %.0f %s", steps, demand.steps,
                       function.name == "pi" ? "convergents" : "terms");
+      else if (!query.expressions.empty())
+        describe_work(far, query);
       else
         std::snprintf(far, sizeof far, "about %.0e bits of work", demand.worked_through);
       return std::snprintf(text.data(), text.size(), "%.*s%s: %ld s, %s", is_long ? 27 : 30,

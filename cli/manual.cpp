@@ -93,8 +93,8 @@ void add_options_with_value(CLI::App const& command, Names& names) {
   for (auto const* const next : command.get_subcommands({})) add_options_with_value(*next, names);
 }
 
-/// The branches of a shell's `case` that set `words` to what can be written after each command. What
-/// stands in the place of a command and is none is an argument: options alone follow it.
+/// The branches of a shell's `case` that set `words` to what can be written after each command.
+/// What stands in the place of a command and is none is an argument: options alone follow it.
 std::string branches(CLI::App const& command, std::string const& path, Names const& common) {
   std::string text;
   auto const add = [&](std::string const& pattern, Names words) {

@@ -212,7 +212,8 @@ bool shows_only_zeros(Query const& query, Answer const& answer, Style const& sty
 
 char const* note_on(Query const& query, Answer const& answer, Style const& style) {
   if (auto const* const found = std::get_if<Evaluation>(&answer); found && !found->is_narrow)
-    return "wider than asked for: an interval in the expression is so wide, or its value too near 0";
+    return "wider than asked for: an interval in the expression is so wide, or its value too near "
+           "0";
   return shows_only_zeros(query, answer, style)
              ? "all digits shown are zeros; --digits-out or more DIGITS may show others"
              : nullptr;
