@@ -150,6 +150,14 @@ mpq_class expanded(mpz_class const& whole, std::size_t bits, Quotient quotient) 
   return {h, k};
 }
 
+/// As two exact searches have them.
+void expect_shortened(mpq_class const& lower, mpq_class const& upper, mpq_class slack) {
+  slack.canonicalize();
+  auto const ends = shortened({to_number(lower), to_number(upper)}, to_number(slack));
+  EXPECT_EQ(to_rational(ends.first), to_rational(Interval{lower - slack, lower}.simplest()));
+  EXPECT_EQ(to_rational(ends.second), to_rational(Interval{upper, upper + slack}.simplest()));
+}
+
 TEST(Simplest, HoldsForNumbersOfAllSizes) {
   gmp_randclass random(gmp_randinit_default);
   for (std::size_t const bits : {20, 63, 64, 65, 130, 700, 3999, 4000, 9000, 20000})
@@ -186,6 +194,9 @@ TEST(Simplest, HoldsForNumbersOfAllSizes) {
       }
       expect_common_terms(lower, upper);
       expect_common_terms(centre, centre);
+      for (mpz_class const& places : {unit, mpz_class(unit * unit + 2), mpz_class(unit / 1000)})
+        expect_shortened(centre, upper + shape % 3,
+                         mpq_class(1 + random.get_z_bits(3), places + 1));
 
       for (mpz_class const& limit :
            {mpz_class(mpz_class(1) << bits / 2), mpz_class(centre.get_den() - 1)}) {
@@ -227,6 +238,14 @@ TEST(Simplest, ShortenedIsSimplestWithinItsSlackAndAsShortAsItsWidth) {
   std::nth_element(excess.begin(), excess.begin() + 1000, excess.end());
   EXPECT_NEAR(excess[1000], 1, 0.15);
   EXPECT_EQ(show(shortened({number("1/3"), number("1/2")}, number("0"), number("1/2"))), "1/3 1");
+  // A simpler number just beyond the slack, on it, and just within it; and integers there.
+  for (char const* const simple : {"1/3", "-22/7", "5", "-1"})
+    for (char const* const distance : {"0", "1/1000000000000000000", "1/1000000000000000000000000"})
+      for (int const sign : {-1, 1}) {
+        mpq_class const beyond(mpq_class(simple) + sign * mpq_class(distance)), slack(1, 1024);
+        expect_shortened(beyond + slack, beyond + 2 * slack, slack);
+        expect_shortened(beyond - 2 * slack, beyond - slack, slack);
+      }
 }
 
 TEST(Simplest, ShortBoundsHoldTheirValueWithinThePromisedWidth) {

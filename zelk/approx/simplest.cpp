@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "zelk/approx/internal/interval_expansion.h"
+#include "zelk/approx/internal/quick_ends.h"
 #include "zelk/approx/internal/ratio.h"
 #include "zelk/approx/internal/simplest_ends.h"
 #include "zelk/numbers/integer.h"
@@ -43,9 +44,10 @@ std::pair<QNumber, QNumber> shortened(std::pair<QNumber, QNumber> const& bounds,
 std::pair<QNumber, QNumber> shortened(std::pair<QNumber, QNumber> const& bounds,
                                       QNumber const& lower_slack, QNumber const& upper_slack) {
   auto const& [lower, upper] = bounds;
-  require_interval(lower, upper);
   if (lower_slack.sign() < 0 || upper_slack.sign() < 0)
     throw std::domain_error("a slack is negative");
+  if (auto ends = quickly_shortened(lower, upper, lower_slack, upper_slack)) return *ends;
+  require_interval(lower, upper);
   Ratio outer_lower, outer_upper;
   outer_lower.set_difference(lower, lower_slack);
   outer_upper.set_sum(upper, upper_slack);

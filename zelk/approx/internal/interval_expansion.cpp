@@ -2,75 +2,10 @@
 
 #include <algorithm>
 #include <cassert>
-#include <cstdint>
 
-#include "zelk/numbers/internal/leading_bits.h"
+#include "zelk/approx/internal/leading_part.h"
 
 namespace zelk::na {
-
-namespace {
-
-/// From here on the quotients of the leading half are found first, and taken off at once.
-constexpr mp_bitcnt_t recursion_bits = 2000;
-
-mp_bitcnt_t bits_of(Ratio const& x) {
-  return std::max(mpz_sizeinbase(x.n, 2), mpz_sizeinbase(x.d, 2));
-}
-
-struct WordRatio {
-  std::uint64_t n, d;
-};
-
-/// The leading 63 bits of the greater part, and the other's at the same places. Cut off, each part
-/// lacks less than 1: what is added to n or d keeps the ratio above or below x.
-WordRatio leading_word(Ratio const& x, WordRatio const& if_cut) {
-  auto const size = static_cast<mp_size_t>(std::max(mpz_size(x.n), mpz_size(x.d)));
-  int const unused = __builtin_clzl(mpz_getlimbn(x.n, size - 1) | mpz_getlimbn(x.d, size - 1));
-  std::uint64_t const n = bits_below(x.n, size, unused);
-  std::uint64_t const d = bits_below(x.d, size, unused);
-  if (size == 1 && unused != 0) return {n, d};
-  return {n + if_cut.n, d + if_cut.d};
-}
-
-/// The same with `bits` bits; the answer is how many are cut off.
-mp_bitcnt_t set_leading(Ratio& cut, Ratio const& x, mp_bitcnt_t bits, WordRatio const& if_cut) {
-  mp_bitcnt_t const own = bits_of(x);
-  mp_bitcnt_t const shift = own > bits ? own - bits : 0;
-  mpz_tdiv_q_2exp(cut.n, x.n, shift);
-  mpz_tdiv_q_2exp(cut.d, x.d, shift);
-  if (shift == 0) return 0;
-  mpz_add_ui(cut.n, cut.n, if_cut.n);
-  mpz_add_ui(cut.d, cut.d, if_cut.d);
-  return shift;
-}
-
-/// `take_off` for an x whose leading part has left `rest` already. Both parts of what is left are
-/// linear in both of x, so that only the bits cut off have to be multiplied.
-void take_off(QuotientMatrix const& matrix, Ratio& x, Ratio& rest, mp_bitcnt_t shift,
-              WordRatio const& if_cut, Integer& scratch) {
-  if (shift != 0) {
-    Ratio added;
-    mpz_set_ui(added.n, if_cut.n);
-    mpz_set_ui(added.d, if_cut.d);
-    take_off(matrix, added, scratch);
-    mpz_tdiv_r_2exp(x.n, x.n, shift);
-    mpz_tdiv_r_2exp(x.d, x.d, shift);
-    take_off(matrix, x, scratch);
-    auto const join = [shift](Integer& leading, Integer const& removed, Integer const& low) {
-      mpz_sub(leading, leading, removed);
-      mpz_mul_2exp(leading, leading, shift);
-      mpz_add(leading, leading, low);
-    };
-    join(rest.n, added.n, x.n);
-    join(rest.d, added.d, x.d);
-  }
-  x.swap(rest);
-}
-
-constexpr WordRatio downwards{0, 1};
-constexpr WordRatio upwards{1, 0};
-
-}  // namespace
 
 bool IntervalExpansion::split() {
   assert(mpz_sgn(lower.d.get()) > 0 && mpz_sgn(upper.d.get()) > 0);
@@ -108,20 +43,11 @@ void IntervalExpansion::split_all() {
 
 /// The quotients of an interval around this one, whose ends fit in words.
 bool IntervalExpansion::split_leading_word() {
-  WordRatio low = leading_word(lower, downwards);
-  WordRatio high = leading_word(upper, upwards);
-  WordMatrix matrix;
-  for (;;) {
-    std::uint64_t const quotient = low.n / low.d;
-    std::uint64_t const low_rest = low.n - quotient * low.d;
-    std::uint64_t const high_rest = high.n - quotient * high.d;
-    if (low_rest == 0 || high_rest >= high.d) break;  // so also where high.d is 0
-    matrix.append(quotient);
-    if (terms != nullptr) terms->emplace_back(static_cast<long>(quotient));
-    WordRatio const next{high.d, high_rest};
-    high = {low.d, low_rest};
-    low = next;
-  }
+  auto const matrix = common_quotients(leading_word(lower, downwards), leading_word(upper, upwards),
+                                       [this](std::uint64_t quotient) {
+                                         if (terms != nullptr)
+                                           terms->emplace_back(static_cast<long>(quotient));
+                                       });
   if (matrix.is_identity()) return false;
   take_off(matrix, lower, scratch);
   take_off(matrix, upper, scratch);

@@ -58,17 +58,21 @@ inline void sub_product(mpz_ptr r, mpz_srcptr a, mpz_srcptr b) { mpz_submul(r, a
 
 }  // namespace detail
 
+/// One row of a matrix of quotients, after those of `more` have been appended to it: of it the
+/// other row is not needed. Changes `scratch`.
+template <class Matrix>
+void append_to_row(Integer& left, Integer& right, Matrix const& more, Integer& scratch) {
+  detail::set_product(scratch, left, more.h);
+  detail::add_product(scratch, right, more.k);
+  mpz_swap(scratch, left);  // `scratch` is the old entry from here on
+  detail::set_product(right, right, more.k0);
+  detail::add_product(right, scratch, more.h0);
+}
+
 template <class Matrix>
 void QuotientMatrix::append(Matrix const& more, Integer& scratch) {
-  auto const multiply = [&](Integer& left, Integer& right) {
-    detail::set_product(scratch, left, more.h);
-    detail::add_product(scratch, right, more.k);
-    mpz_swap(scratch, left);  // `scratch` is the old entry from here on
-    detail::set_product(right, right, more.k0);
-    detail::add_product(right, scratch, more.h0);
-  };
-  multiply(h, h0);
-  multiply(k, k0);
+  append_to_row(h, h0, more, scratch);
+  append_to_row(k, k0, more, scratch);
   is_odd = is_odd != more.is_odd;
 }
 
