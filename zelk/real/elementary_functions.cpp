@@ -8,6 +8,7 @@
 
 #include "zelk/approx/simplest.h"
 #include "zelk/numbers/functions.h"
+#include "zelk/numbers/integer.h"
 #include "zelk/real/internal/composed_functions.h"
 #include "zelk/real/internal/constants.h"
 #include "zelk/real/internal/fixed_point.h"
@@ -66,12 +67,19 @@ Value exactly(QNumber value) { return {std::move(value), {}}; }
 /// An end that is not the value itself keeps away from it: so the length of a proof of each answer
 /// is known beforehand. What shows the sign of a value has no nearer end.
 Interval kept_apart(Interval const& bounds, long bits) {
-  auto const margin = zelk::pow(2, -(bits + answer_margin_bits));
-  auto const beyond = [&](QNumber const& end, QNumber const& by) {
-    return end.is_zero() ? end : end + by;
+  long const places = bits + answer_margin_bits;
+  auto const beyond = [places](QNumber const& end, long direction) {
+    if (end.is_zero()) return end;
+    auto const denominator = end.denominator();
+    auto const own_places = static_cast<long>(mpz_sizeinbase(denominator, 2)) - 1;
+    if (own_places > places || mpz_popcount(denominator) != 1)
+      return end + direction * zelk::pow(2, -places);
+    Integer n;
+    shift(n, end.numerator(), places - own_places);
+    (direction > 0 ? mpz_add_ui : mpz_sub_ui)(n, n, 1);
+    return dyadic(n, places);
   };
-  return Interval(
-      Interval::Ordered{beyond(bounds.lower(), -margin), beyond(bounds.upper(), margin)});
+  return Interval(Interval::Ordered{beyond(bounds.lower(), -1), beyond(bounds.upper(), 1)});
 }
 
 /// The value that `at` encloses to any number of bits. `exponent` may be any guess of its binary

@@ -33,7 +33,11 @@ WordMatrix quotients_of_simplest(WordRatio low, WordRatio high) {
 
 NarrowExpansion::NarrowExpansion(mpz_srcptr lower, unsigned long interval_width,
                                  mp_bitcnt_t binary_places)
-    : end(lower, lower), width(interval_width), places(binary_places) {}
+    : end(lower, lower), width(interval_width), places(binary_places) {
+  // Nothing grows beyond that.
+  for (Integer* each : {&end.n, &end.d, &other.n, &other.d, &scratch, &k, &k0})
+    mpz_realloc2(*each, places + 128);
+}
 
 bool NarrowExpansion::split_all() {
   // The first quotient is the floor, whatever it is.
