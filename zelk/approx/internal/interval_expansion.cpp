@@ -7,6 +7,13 @@
 
 namespace zelk::na {
 
+namespace {
+
+/// From here on the quotients of the leading half are found first, and taken off at once.
+constexpr mp_bitcnt_t recursion_bits = 2000;
+
+}  // namespace
+
 bool IntervalExpansion::split() {
   assert(mpz_sgn(lower.d.get()) > 0 && mpz_sgn(upper.d.get()) > 0);
   Integer quotient, lower_rest, upper_rest;

@@ -11,9 +11,6 @@
 /// interval share are those of the numbers in it. Proofs: docs/mathematics.md, section 13.
 namespace zelk::na {
 
-/// From here on the quotients of the leading half are found first, and taken off at once.
-inline constexpr mp_bitcnt_t recursion_bits = 2000;
-
 struct WordRatio {
   std::uint64_t n, d;
 };

@@ -9,6 +9,9 @@ namespace zelk::na {
 
 namespace {
 
+/// Where the leading half begins to be quicker than words: later than with two ends to carry.
+constexpr mp_bitcnt_t words_up_to = 4000;
+
 /// The quotients of the simplest number in [low, high]. None is too great for a word: low itself
 /// has no greater parts. Requires: 1 <= low <= high, which may be infinite.
 WordMatrix quotients_of_simplest(WordRatio low, WordRatio high) {
@@ -54,7 +57,7 @@ bool NarrowExpansion::split_all() {
     set_rest(other, width);
     mp_bitcnt_t const bits = bits_of(end);
     if (bits < part + part / 4 || part == 0) part = bits / 2;
-    is_ahead = bits < recursion_bits ? split_leading_word() : split_leading(part);
+    is_ahead = bits < words_up_to ? split_leading_word() : split_leading(part);
   }
   return true;
 }
