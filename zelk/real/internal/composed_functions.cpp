@@ -37,10 +37,10 @@ std::optional<long> small_exponent(QNumber const& base, QNumber const& exponent,
 
 /// e^(y log x).
 Interval pow_by_logarithm(QNumber const& x, QNumber const& y, long bits, Constants& constants) {
-  // The error of y log x times x^y.
-  long const factors = exponent_of_pow(x, y, constants) + magnitude(y);
+  // The error of y log x times x^y; and below 1 in any case.
+  long const relative_bits = std::max(0L, bits + exponent_of_pow(x, y, constants));
   for (long more = 6;; more *= 2) {
-    auto const log = log_at(x, std::max(0L, bits + factors) + more, constants);
+    auto const log = log_at(x, std::max(0L, relative_bits + magnitude(y)) + more, constants);
     auto const exponent = y * log;
     Interval power(exp_at(exponent.lower(), bits + 2, constants).lower(),
                    exp_at(exponent.upper(), bits + 2, constants).upper());
