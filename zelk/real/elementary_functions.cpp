@@ -46,8 +46,7 @@ class Goal {
   bool is_relative() const { return accuracy.is_relative(); }
 
   void require_room(double bits) const {
-    if (bits > most_bits)
-      throw std::length_error(beyond_limit);
+    if (bits > most_bits) throw std::length_error(beyond_limit);
   }
 
  private:
