@@ -228,6 +228,7 @@ TEST_F(Expressions, AreRefusedWhereTheyAreNotDefined) {
   for (char const* const text : {"2^(10^9)", "((2^1000)^1000)^1000", "2^2^2^2^2^2", "exp(10^10)",
                                  "exp(exp(exp(5)))", "1/exp(-10^9)"})
     EXPECT_NE(refusal<std::length_error>(text), "") << text;
+  EXPECT_THROW(enclosure("1/3", 2000000000), std::length_error);  // at once
   EXPECT_EQ(refusal<std::invalid_argument>("x + 1"), "the variable x has no value");
   // Here more precision decides.
   EXPECT_EQ(enclosure("log(exp(-5000) + 10^-3000) - log(exp(-5000))", 5).bounds.sign(), 0);

@@ -102,6 +102,7 @@ std::optional<QNumber> best(ElementaryFunctions& functions, Expression const& ex
 
 Enclosure enclose(ElementaryFunctions& functions, Expression const& expression, Accuracy accuracy,
                   unsigned most_digits, Steps* steps) {
+  Precision::require_digits(functions, accuracy.digits());  // whose power of ten comes next
   Tolerance const tolerance(accuracy, most_digits);
   Value found(0);
   auto const judge = [&](Value const& value, Signs signs) {

@@ -23,6 +23,8 @@ double size_of(QNumber const& q) {
   return static_cast<double>(mpz_sizeinbase(q.numerator(), 2) + mpz_sizeinbase(q.denominator(), 2));
 }
 
+double bits_of_digits(unsigned long digits) { return 3.32193 * static_cast<double>(digits) + 2; }
+
 }  // namespace
 
 double size_of(Interval const& x) { return std::max(size_of(x.lower()), size_of(x.upper())); }
@@ -34,10 +36,8 @@ double size_of(Value const& x) {
 
 Precision::Precision(ElementaryFunctions& functions, unsigned long wanted, bool keep_zeros)
     : answers(&functions), digits(static_cast<unsigned>(wanted)), are_zeros_kept(keep_zeros) {
-  double const wanted_bits = 3.32193 * static_cast<double>(wanted) + 2;
-  if (wanted > std::numeric_limits<unsigned>::max() / 2)
-    throw std::length_error("more digits are needed than can be counted");
-  require_room(wanted_bits);
+  require_digits(functions, wanted);
+  double const wanted_bits = bits_of_digits(wanted);
   bits = static_cast<long>(wanted_bits);
   unit = zelk::pow(10, -static_cast<long>(wanted));
   double const room = functions.max_bits() / room_for_products;
@@ -45,8 +45,14 @@ Precision::Precision(ElementaryFunctions& functions, unsigned long wanted, bool 
   most_zeros = keep_zeros ? room : exact_bits;
 }
 
-void Precision::require_room(double result_bits) const {
-  if (result_bits * room_for_products > answers->max_bits()) throw std::length_error(beyond_limit);
+void Precision::require_digits(ElementaryFunctions const& functions, unsigned long digits) {
+  if (digits > std::numeric_limits<unsigned>::max() / 2)
+    throw std::length_error("more digits are needed than can be counted");
+  require_room(functions, bits_of_digits(digits));
+}
+
+void Precision::require_room(ElementaryFunctions const& functions, double result_bits) {
+  if (result_bits * room_for_products > functions.max_bits()) throw std::length_error(beyond_limit);
 }
 
 /// Outward, to `bits` bits below the magnitude of x, or below 2^least_magnitude if that is greater.

@@ -48,9 +48,13 @@ class Precision {
 
   /// Throws: std::length_error if a result of so many bits cannot be afforded. Products, and powers
   /// all the more, take several times the room of their results.
-  void require_room(double result_bits) const;
+  void require_room(double result_bits) const { require_room(*answers, result_bits); }
+
+  /// Throws: std::length_error if so many digits are beyond the limit of the functions.
+  static void require_digits(ElementaryFunctions const& functions, unsigned long digits);
 
  private:
+  static void require_room(ElementaryFunctions const& functions, double result_bits);
   Interval rounded(Interval const& x, long least_magnitude) const;
   Value rounded(Value const& x, long least_magnitude) const;
   Value rounded(Value const& x) const { return rounded(x, -static_cast<long>(most_zeros)); }
