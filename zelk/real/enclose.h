@@ -19,9 +19,9 @@
 /// to a million bits, or several times the precision), and so are rational values of functions of
 /// rationals, as sqrt(4) and exp(0); sin(1)^2 + cos(1)^2 is not known to be 1. Where only such a
 /// difference from 0 matters, it is given up as soon as it is seen to be less than
-/// 10^-most_digits; what the formula alone shows not to be 0, as powers of e and their products, has
-/// its sign at once, and significant digits as far as there is room for the zeros before them. And an
-/// interval put into the expression has a width that remains.
+/// 10^-most_digits; what the formula alone shows not to be 0, as powers of e and their products,
+/// has its sign at once, and significant digits as far as there is room for the zeros before them.
+/// And an interval put into the expression has a width that remains.
 ///
 /// Errors, of all functions here: `std::domain_error` if an operation is not defined on all of its
 /// operands, or if it has been given up to tell, as for log(sin(1)^2 + cos(1)^2 - 1);
