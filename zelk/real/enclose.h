@@ -25,9 +25,9 @@
 ///
 /// Errors, of all functions here: `std::domain_error` if an operation is not defined on all of its
 /// operands, or if it has been given up to tell, as for log(sin(1)^2 + cos(1)^2 - 1);
-/// `std::length_error` if, likewise, a number would have more bits than functions.max_bits() allows,
-/// or an exact power or product more than an eighth of that, since it takes several times the room
-/// of its result; `std::invalid_argument` if the expression has a variable.
+/// `std::length_error` if, likewise, a number would have more bits than functions.max_bits()
+/// allows, or an exact power or product more than an eighth of that, since it takes several times
+/// the room of its result; `std::invalid_argument` if the expression has a variable.
 ///
 /// Cost: all operations at a precision slightly above what is asked for, and again, at least half
 /// as precise again, for as long as digits are missing: usually once or twice in all, and in total
