@@ -44,23 +44,40 @@ Bounds ascending(int k, QNumber const& before, QNumber const& after) {
   return k % 2 != 0 ? Bounds(after, before) : Bounds(before, after);
 }
 
+/// Series that end after fewer steps on integers are tested at each of them.
+constexpr unsigned patience = 96;
+
+/// How many steps a summation that has run out of patience takes without a test: T_j, where it
+/// stands, and the terms after it are certainly not below the tolerance, up to two steps later.
+unsigned idle_steps(PowerTerms const& series, QNumber const& x, mpz_srcptr reciprocal) {
+  unsigned const certain = series.certain_terms(x, reciprocal);
+  return certain > patience ? certain - 2 : 0;
+}
+
 /// Takes `sum_exp` over after its test of k, when T_k and S_k are in big form, and with them the
 /// result of every operation to come: the same tests, decided on integers.
 ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber const& term,
                         QNumber const& sum, QNumber const& previous) {
-  PowerTerms series(x, static_cast<unsigned>(k), term, sum);
+  PowerTerms series(static_cast<unsigned>(k), term, sum);
   mpz_srcptr const s = series.sum(0);
   mpz_srcptr const t = series.term();
   mpz_srcptr const d = series.denominator();
   bool const is_positive = x.sign() > 0;
   int sign_before = previous.sign();
   int sign = sum.sign();
-  for (;;) {
+  auto const step = [&](PowerTerms& terms) {
     count_steps(1);
-    series.accumulate(0, false);
+    terms.accumulate(0, false);
     ++k;
     QNumber const factor = x / QNumber(k);
-    series.advance(factor.numerator(), factor.denominator());
+    terms.advance(factor.numerator(), factor.denominator());
+  };
+  for (unsigned steps = 1;; ++steps) {
+    if (steps == patience) {
+      take_steps(series, idle_steps(series, x, reciprocal), step);
+      sign = mpz_sgn(s);  // the one before is not asked for while T_k is not below the tolerance
+    }
+    step(series);
     int const second_previous = sign_before;
     sign_before = sign;
     sign = mpz_sgn(s);
@@ -75,10 +92,12 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
 
     Integer last;
     Integer before;
-    series.last_term(last);
+    QNumber const factor = x / QNumber(k);
+    series.last_term(last, factor.numerator(), factor.denominator());
     mpz_sub(before, s, last);
-    QNumber const partial = series.reduced(s, 1);
-    QNumber const partial_before = series.reduced(before, 2);
+    IntegerView const q = x.denominator();
+    QNumber const partial = series.reduced(s, q, 1);
+    QNumber const partial_before = series.reduced(before, q, 2);
     if (is_positive) {
       Integer rest_before;
       mpz_sub(rest_before, d, last);
@@ -87,8 +106,8 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
               k};
     }
     mpz_add(rest, s, t);
-    return {ascending(k, partial, series.reduced(rest, 0)), ascending(k, partial_before, partial),
-            k};
+    return {ascending(k, partial, series.reduced(rest, q, 0)),
+            ascending(k, partial_before, partial), k};
   }
 }
 
@@ -97,37 +116,44 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
 /// sums so far, from which the next terms are taken away if `negated`.
 ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, bool negated,
                         QNumber const& cosine_term, QNumber const& sine, QNumber const& cosine) {
-  PowerTerms series(x, n + 1, cosine_term, sine, cosine);
+  PowerTerms series(n + 1, cosine_term, sine, cosine);
+  IntegerView const p = x.numerator();
+  IntegerView const q = x.denominator();
   Integer below;
-  auto const advance_to = [&](unsigned k) {
-    mpz_mul_ui(below, x.denominator(), k);
-    series.advance(x.numerator(), below);
+  auto const advance_to = [&](PowerTerms& terms, unsigned k) {
+    mpz_mul_ui(below, q, k);
+    terms.advance(p, below);
   };
-  for (;; negated = !negated) {
+  auto const step = [&](PowerTerms& terms) {
     count_steps(2);
     n += 2;
-    series.accumulate(1, negated);
-    // The second derivative is minus the sine's sum so far, give or take this term.
-    bool const certain = mpz_cmpabs(series.sum(0), series.term()) > 0;
-    advance_to(n);
-    series.accumulate(0, negated);
-    advance_to(n + 1);
+    terms.accumulate(1, negated);
+    advance_to(terms, n);
+    terms.accumulate(0, negated);
+    advance_to(terms, n + 1);
+    negated = !negated;
     // Numbers would divide by n + 1, and by n + 2 for the term after, both by way of reciprocals.
     detail::cached_gcd(1, n + 1L);
     detail::cached_gcd(1, n + 2L);
-    if (!certain || !series.term_below(reciprocal)) continue;
+  };
+  for (unsigned steps = 1;; ++steps) {
+    if (steps == patience / 2) take_steps(series, idle_steps(series, x, reciprocal) / 2, step);
+    // The second derivative is minus the sine's sum so far, give or take the cosine's next term.
+    bool const is_certain = mpz_cmpabs(series.sum(0), series.term()) > 0;
+    step(series);
+    if (!is_certain || !series.term_below(reciprocal)) continue;
 
     Integer sine_error;
     Integer cosine_error;
     mpz_abs(sine_error, series.term());
-    series.last_term(cosine_error);
+    series.last_term(cosine_error, p, below);
     mpz_abs(cosine_error, cosine_error);
     auto const around = [&](mpz_srcptr centre, mpz_srcptr error, unsigned missing) {
       Integer lower;
       Integer upper;
       mpz_sub(lower, centre, error);
       mpz_add(upper, centre, error);
-      return Bounds(series.reduced(lower, missing), series.reduced(upper, missing));
+      return Bounds(series.reduced(lower, q, missing), series.reduced(upper, q, missing));
     };
     return {around(series.sum(0), sine_error, 0), around(series.sum(1), cosine_error, 1),
             static_cast<int>(n)};

@@ -4,13 +4,13 @@
 
 #include "zelk/approx/internal/common_denominator.h"
 #include "zelk/numbers/internal/leading_bits.h"
+#include "zelk/numbers/internal/lower_bound.h"
 
 namespace zelk::na {
 
-PowerTerms::PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QNumber const& sum0,
+PowerTerms::PowerTerms(unsigned index, QNumber const& term, QNumber const& sum0,
                        QNumber const& sum1)
-    : q(x.denominator()), j(index) {
-  assert(!x.is_zero());
+    : j(index) {
   least_common_denominator(d, term, sum0, sum1);
   put_over(d, term, t);
   put_over(d, sum0, sums[0]);
@@ -20,8 +20,6 @@ PowerTerms::PowerTerms(QNumber const& x, unsigned index, QNumber const& term, QN
 void PowerTerms::advance(mpz_srcptr above, mpz_srcptr below) {
   assert(mpz_sgn(above) != 0 && mpz_sgn(below) > 0);
   ++j;
-  mpz_set(last_above, above);
-  mpz_set(last_below, below);
   mpz_mul(t, t, above);
   mpz_mul(d, d, below);
   for (auto& s : sums) mpz_mul(s, s, below);
@@ -32,20 +30,37 @@ void PowerTerms::accumulate(std::size_t i, bool negated) {
   add(sums[i], sums[i], t);
 }
 
-bool PowerTerms::term_below(mpz_srcptr reciprocal) {
+void PowerTerms::append(PowerTerms const& run) {
+  j += run.j;
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    mpz_mul(sums[i], sums[i], run.d);
+    mpz_addmul(sums[i], t, run.sums[i]);
+  }
+  mpz_mul(t, t, run.t);
+  mpz_mul(d, d, run.d);
+}
+
+bool PowerTerms::term_below(mpz_srcptr reciprocal) const {
   assert(mpz_sgn(reciprocal) > 0);
   Integer left;
   Integer right;
   return compare_products(t, reciprocal, d, IntegerView(1), left, right) < 0;
 }
 
-void PowerTerms::last_term(mpz_ptr numerator) {
-  assert(mpz_sgn(last_above.get()) != 0);
-  mpz_divexact(numerator, t, last_above);
-  mpz_mul(numerator, numerator, last_below);
+unsigned PowerTerms::certain_terms(QNumber const& x, mpz_srcptr reciprocal) const {
+  LowerBound const size(x.numerator(), x.denominator());
+  LowerBound bound = LowerBound(t, d) * LowerBound(reciprocal, IntegerView(1));
+  unsigned count = 0;
+  while ((bound = bound * size / (j + count + 1)).reaches_one()) ++count;
+  return count;
 }
 
-QNumber PowerTerms::reduced(mpz_srcptr numerator, unsigned missing) const {
+void PowerTerms::last_term(mpz_ptr numerator, mpz_srcptr above, mpz_srcptr below) const {
+  mpz_divexact(numerator, t, above);
+  mpz_mul(numerator, numerator, below);
+}
+
+QNumber PowerTerms::reduced(mpz_srcptr numerator, mpz_srcptr q, unsigned missing) const {
   Integer n(numerator);
   Integer denominator(d.get());
   Integer common;

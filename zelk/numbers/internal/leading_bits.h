@@ -52,6 +52,7 @@ class LeadingBits {
   }
 
  private:
+  friend class LowerBound;
   __extension__ using Wide = unsigned __int128;
 
   // Cutting an integer loses less than 1 unit. Multiplying mantissas that lack up to r and s loses
