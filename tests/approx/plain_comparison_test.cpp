@@ -134,6 +134,14 @@ TEST(PlainEvaluation, AgreesAtEveryPointInBothSignsAndForms) {
   expect_agreement(history);
 }
 
+TEST(PlainEvaluation, AgreesOnLongSeries) {
+  History history;
+  for (QNumber const& x : test::numbers("1/3 -1/3 7/2 -22/7 355/113B -41/1024 30 -31 -200"))
+    for (unsigned prec : {0U, 57U, 58U, 290U, 1000U})
+      for (Kind const kind : {exp, sin}) history.push_back({kind, x, prec});
+  expect_agreement(history);
+}
+
 TEST(PlainEvaluation, LeavesTheGcdsOfItsOperations) {
   struct {
     Kind kind;

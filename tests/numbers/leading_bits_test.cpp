@@ -5,6 +5,8 @@
 
 #include <vector>
 
+#include "zelk/numbers/internal/lower_bound.h"
+
 namespace zelk {
 namespace {
 
@@ -30,6 +32,24 @@ TEST(LeadingBits, NeverDecideAgainstTheExactProducts) {
         ASSERT_EQ(compare(LeadingBits(far.get_mpz_t()), bits), -1);
       }
     }
+  }
+}
+
+TEST(LowerBound, StaysBelowAndNear) {
+  mpz_class n = 1, d = 1, a = 1, b = 1;
+  LowerBound bound(n.get_mpz_t(), d.get_mpz_t());
+  for (std::uint32_t k = 1; k < 300; ++k) {
+    a = a * 3 % (mpz_class(1) << k) + 1;
+    b = b * 7 % (mpz_class(1) << (3 * k % 200)) + 1;
+    bound = bound * LowerBound(a.get_mpz_t(), b.get_mpz_t()) / (k * 14348907);
+    n *= -a, d *= b * (k * 14348907);
+    // Times somewhat less, and somewhat more, than its inverse.
+    for (unsigned const shift : {62U, 63U, 64U, 300U}) {
+      mpz_class const less = (d << shift) - d, inverse = n << shift;
+      ASSERT_FALSE((bound * LowerBound(less.get_mpz_t(), inverse.get_mpz_t())).reaches_one());
+    }
+    mpz_class const more = (d << 48) + d, inverse = n << 48;
+    ASSERT_TRUE((bound * LowerBound(more.get_mpz_t(), inverse.get_mpz_t())).reaches_one());
   }
 }
 

@@ -44,11 +44,12 @@ Bounds ascending(int k, QNumber const& before, QNumber const& after) {
   return k % 2 != 0 ? Bounds(after, before) : Bounds(before, after);
 }
 
-/// Series that end after fewer steps on integers are tested at each of them.
-constexpr unsigned patience = 96;
+/// After so many steps on integers it is worth finding out how many more cannot end the series, and
+/// worth taking that many together.
+constexpr unsigned patience = 32;
 
-/// How many steps a summation that has run out of patience takes without a test: T_j, where it
-/// stands, and the terms after it are certainly not below the tolerance, up to two steps later.
+/// How many steps are to be taken together: the terms that they come to, and the two after them,
+/// are certainly not below the tolerance.
 unsigned idle_steps(PowerTerms const& series, QNumber const& x, mpz_srcptr reciprocal) {
   unsigned const certain = series.certain_terms(x, reciprocal);
   return certain > patience ? certain - 2 : 0;
@@ -75,7 +76,7 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
   for (unsigned steps = 1;; ++steps) {
     if (steps == patience) {
       take_steps(series, idle_steps(series, x, reciprocal), step);
-      sign = mpz_sgn(s);  // the one before is not asked for while T_k is not below the tolerance
+      sign = mpz_sgn(s);  // that of the sum before decides nothing: the next term is too great
     }
     step(series);
     int const second_previous = sign_before;

@@ -43,8 +43,8 @@ class PowerTerms {
   /// |T_j| < 1/reciprocal. Requires: reciprocal > 0.
   bool term_below(mpz_srcptr reciprocal) const;
 
-  /// How many of T_(j+1), T_(j+2), ... up to the first of which that is not certain are at least
-  /// 1/reciprocal in size. All, but perhaps the last few, up to the first that is less.
+  /// How many of T_(j+1), T_(j+2), ... are certainly at least 1/reciprocal in size, up to the first
+  /// that is not. Leading bits can fall short of the last one that is.
   /// Requires: x is not 0, reciprocal > 0.
   unsigned certain_terms(QNumber const& x, mpz_srcptr reciprocal) const;
 
@@ -66,13 +66,12 @@ class PowerTerms {
   std::array<Integer, 2> sums;
 };
 
-/// Does `step(terms)` so often as `count` says, each time from where the last has left off. The
-/// numbers of a short run are short, and runs are joined by a few products of equal lengths: the
-/// cost is that of O(log count) products as long as the result, where single steps take count
-/// passes over it.
+/// Does `step(terms)` as often as `count` says; each call goes on where the one before has left
+/// off, be it with these terms or with a run. Cost: that of O(log count) products as long as the
+/// result, where single steps would take `count` passes over it.
 template <class Step>
 void take_steps(PowerTerms& terms, unsigned count, Step const& step) {
-  constexpr unsigned short_run = 16;
+  constexpr unsigned short_run = 32;
   if (count <= short_run) {
     for (; count != 0; --count) step(terms);
     return;
