@@ -100,6 +100,24 @@ TEST(RationalApproximator, AnswersAndRemembers) {
   }
 }
 
+TEST(RationalApproximator, KeepsTheDigitsOfAWideNumberOnce) {
+  QNumber const wide = number("27670116110564327421/36893488147419103232");
+  QNumber copy;
+  {
+    RationalApproximator approximator;
+    approximator.do_approx(wide, 7);
+    approximator.approx(wide, 1, 1);
+    auto const digits = [](QNumber const& q) { return mpz_limbs_read(q.denominator()); };
+    auto const* const kept = approximator.expansions().find(wide).node;
+    for (unsigned prec : {1U, 2U, 7U}) {
+      auto const* const node = approximator.approximations().find({wide, prec}).node;
+      EXPECT_EQ(digits(node->value.first.first), digits(kept->value.first));
+      copy = node->value.first.first;
+    }
+  }
+  EXPECT_EQ(copy, wide);
+}
+
 TEST(Convergents, AreSmallWhereTheyFitAndHavePositiveDenominators) {
   for (auto const& [terms, expected] : {
            std::pair("4 2 6 7", "4 9/2 58/13 415/93"),

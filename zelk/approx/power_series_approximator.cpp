@@ -18,15 +18,12 @@ Bounds simplify(RationalApproximator& approximator, Bounds const& ends, QNumber 
   auto const& [low, high] = ends;
   ConvergentWalk lower(approximator, low, 1);
   ConvergentWalk upper(approximator, high, 1);
-  // Two numbers, assigned to at every length: once in big form, each of them stays there.
-  Bounds found;
-  auto& [a, b] = found;
   for (;;) {
-    a = lower.next();
-    b = upper.next();
+    QNumber const& a = lower.next();
+    QNumber const& b = upper.next();
     if (!(a == low || lower.is_below(a)) || !(b == high || upper.is_above(b))) continue;
     QNumber const width = b - a;
-    if (width == tolerance || width < tolerance) return found;
+    if (width == tolerance || width < tolerance) return {a, b};
   }
 }
 

@@ -53,9 +53,10 @@ QNumber RationalApproximator::do_approx(QNumber const& q, unsigned prec) {
 
 QNumber RationalApproximator::approx(QNumber const& q, unsigned prec, int dir) {
   ConvergentWalk walk(*this, q, prec);
-  QNumber r = walk.next();
-  while (dir > 0 ? r < q : dir < 0 && q < r) r = walk.next();
-  return r;
+  for (;;) {
+    QNumber const& r = walk.next();
+    if (!(dir > 0 ? r < q : dir < 0 && q < r)) return r;
+  }
 }
 
 }  // namespace zelk::na

@@ -6,6 +6,7 @@
 #include "zelk/numbers/integer.h"
 #include "zelk/numbers/internal/leading_bits.h"
 #include "zelk/numbers/internal/scratch.h"
+#include "zelk/numbers/internal/shared_digits.h"
 
 namespace zelk {
 
@@ -99,6 +100,17 @@ QNumber::QNumber(LowestTerms const& fraction) : QNumber() {
   require_divisor(fraction.denominator);
   adopt(new Block(fraction.numerator, fraction.denominator));
   assert(is_canonical());
+}
+
+QNumber::Block::Block(detail::SharedDigits const& shared) {
+  auto const& [n, d] = *shared.number.block();
+  mpz_roinit_n(numerator, mpz_limbs_read(n), n->_mp_size);
+  mpz_roinit_n(denominator, mpz_limbs_read(d), d->_mp_size);
+}
+
+QNumber::QNumber(detail::SharedDigits const& shared) : QNumber() {
+  assert(shared.number.is_big());
+  adopt(new Block(shared));
 }
 
 QNumber QNumber::from_lowest_terms(LowestTerms const& fraction) {

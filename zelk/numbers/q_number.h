@@ -32,6 +32,10 @@ template <class T>
 requires(std::is_enum_v<T>) inline constexpr bool may_not_fit<T> =
     is_unsigned_word<std::underlying_type_t<T>>;
 
+namespace detail {
+struct SharedDigits;
+}
+
 /// An exact rational number, always in lowest terms with a positive denominator; zero is 0/1.
 ///
 /// While both parts fit in 64 bits the number is its two machine words (small form). Beyond that
@@ -140,6 +144,9 @@ class ZELK_EXPORT QNumber {
   /// In small form whenever it fits, and without a gcd.
   /// Throws: std::domain_error when the denominator is 0.
   static QNumber from_lowest_terms(LowestTerms const& fraction);
+
+  /// For tables of this library with many keys of one number.
+  explicit QNumber(detail::SharedDigits const& shared);
 
   /// In other's form; a copy in big form owns a block of its own.
   QNumber(QNumber const& other) : num(other.num), den(other.den) {
@@ -343,6 +350,7 @@ class ZELK_EXPORT QNumber {
       mpz_init_set(numerator, n);
       mpz_init_set(denominator, d);
     }
+    explicit Block(detail::SharedDigits const& shared);
     Block(Block const&) = delete;
     Block& operator=(Block const&) = delete;
     ~Block() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "zelk/approx/internal/count_steps.h"
+#include "zelk/numbers/internal/shared_digits.h"
 
 namespace zelk::na {
 
@@ -35,28 +36,39 @@ QNumber const& ConvergentWalk::next() {
   if (key.first.is_integer()) return key.first;
   if (std::exchange(is_under_way, true)) ++key.second;
   auto const known = owner.approx_cache.find_by(key);
-  return known != owner.approx_cache.end() ? known.node->value.second : compute();
+  bool const is_known = known != owner.approx_cache.end();
+  if (is_wide) return is_known ? known.node->value.second : compute();
+  last = is_known ? known.node->value.second : compute_folded();
+  return last;
+}
+
+QNumber ConvergentWalk::compute_folded() {
+  auto const c = owner.get_cf(key.first, key.second);
+  QNumber const folded = fold(c.terms, std::min<std::size_t>(key.second, c.terms.size()));
+  // The entry can be an older one, of an equal number in big form, that the growth of the table
+  // has put where this key looks. It stays big: the answer is what was folded.
+  owner.approx_cache.store(key, folded);
+  return folded;
 }
 
 QNumber const& ConvergentWalk::compute() {
   auto const& [q, prec] = static_cast<std::pair<QNumber const&, unsigned> const&>(key);
-  if (!is_wide) {
-    auto const c = owner.get_cf(q, prec);
-    folded.emplace(fold(c.terms, std::min<std::size_t>(prec, c.terms.size())));
-    // The entry can be an older one, of an equal number in big form, that the growth of the table
-    // has put where this key looks. It stays big: the answer is what was folded.
-    owner.approx_cache.store(key, *folded);
-    return *folded;
-  }
   // Each convergent after the first would ask for the expansion once more, and offer it to a table
   // that has it: the load check is what such an offer does.
-  if (recurrence)
+  if (recurrence) {
     owner.cf_cache.make_room();
-  else
-    recurrence.emplace(owner.get_cf(q, prec));
+  } else {
+    auto expansion = owner.get_cf(q, prec);
+    recurrence.emplace(std::move(expansion), owner.cf_cache.find(q).node->value.first);
+  }
   count_steps(1);
   recurrence->advance(prec);
-  return owner.approx_cache.store(key, QNumber::LowestTerms{recurrence->h, recurrence->k});
+  std::size_t index;
+  RationalApproximator::ApproxCache::Bucket* node;
+  owner.approx_cache.find_or_add(key, &index, &node,
+                                 std::pair(detail::SharedDigits{recurrence->number}, prec),
+                                 QNumber::LowestTerms{recurrence->h, recurrence->k});
+  return node->value.second;
 }
 
 void ConvergentWalk::Recurrence::advance(unsigned count) {

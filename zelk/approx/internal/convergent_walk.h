@@ -19,16 +19,18 @@ namespace zelk::na {
 /// A number too big for small form has only big, and after the first only positive terms, so its
 /// convergents follow from the two before by the recurrence, in lowest terms, and lie below it at
 /// odd lengths and above it at even ones until they end with the number itself. That makes a step
-/// a constant number of operations on integers. Any other number has at most 92 terms, and which of
-/// its values are in small form depends on every step: those are folded afresh, from the last term
-/// back, with the arithmetic of numbers.
+/// a constant number of operations on integers. The keys of its convergents in the cache share the
+/// digits of the number that its expansion has for key, which stays as long. Any other number has
+/// at most 92 terms, and which of its values are in small form depends on every step: those are
+/// folded afresh, from the last term back, with the arithmetic of numbers.
 class ConvergentWalk {
  public:
   /// Starts before precision `first`, or before 1. Requires: the approximator and q outlive the
   /// walk, q unchanged.
   ConvergentWalk(RationalApproximator& approximator, QNumber const& q, unsigned first);
 
-  /// The next convergent, good until the one after it: q itself if that is an integer.
+  /// The next convergent, good until the one after it: q itself if that is an integer. Forms are
+  /// those of one number to which all are assigned: after one in big form, all are.
   QNumber const& next();
 
   /// Whether c, the value of the last convergent in any form, lies below q, or above it.
@@ -46,24 +48,26 @@ class ConvergentWalk {
   /// The last two convergents of a wide number, and its expansion: the terms that were known at
   /// first, and what they leave.
   struct Recurrence : ConvergentRecurrence {
-    explicit Recurrence(RationalApproximator::ContinuedFraction c)
-        : known(std::move(c.terms)), rest(c.remainder) {}
+    Recurrence(RationalApproximator::ContinuedFraction c, QNumber const& q)
+        : number(q), known(std::move(c.terms)), rest(c.remainder) {}
 
     /// To the convergent after `count` terms, or to the last.
     void advance(unsigned count);
 
+    QNumber const& number;  // as the table of expansions keeps it
     std::vector<QNumber> known;
     Euclid rest;
     unsigned length = 0;
   };
 
   QNumber const& compute();
+  QNumber compute_folded();
 
   RationalApproximator& owner;
   hsh::pair_hash_eq::View key;  // the number, and the precision of the last convergent
   bool is_wide;
   bool is_under_way = false;             // there was a last one
-  std::optional<QNumber> folded;         // a new one, of a number that is not wide
+  QNumber last;                          // of a number that is not wide
   std::optional<Recurrence> recurrence;  // from the first convergent that the cache did not have
 };
 
