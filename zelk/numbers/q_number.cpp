@@ -1,12 +1,13 @@
 #include "zelk/numbers/q_number.h"
 
+#include <algorithm>
 #include <numeric>
 #include <stdexcept>
 
 #include "zelk/numbers/integer.h"
+#include "zelk/numbers/internal/fixed_number.h"
 #include "zelk/numbers/internal/leading_bits.h"
 #include "zelk/numbers/internal/scratch.h"
-#include "zelk/numbers/internal/shared_digits.h"
 
 namespace zelk {
 
@@ -99,6 +100,23 @@ QNumber QNumber::big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
 QNumber::QNumber(LowestTerms const& fraction) : QNumber() {
   require_divisor(fraction.denominator);
   adopt(new Block(fraction.numerator, fraction.denominator));
+  assert(is_canonical());
+}
+
+QNumber::Block::Block(detail::FixedFraction const& fixed) {
+  static_assert(sizeof(Block) % alignof(mp_limb_t) == 0);
+  auto* digits = reinterpret_cast<mp_limb_t*>(this + 1);
+  auto const put = [&digits](mpz_ptr own, mpz_srcptr n) {
+    auto* const end = std::copy_n(mpz_limbs_read(n), mpz_size(n), digits);
+    mpz_roinit_n(own, std::exchange(digits, end), n->_mp_size);
+  };
+  put(numerator, fixed.numerator);
+  put(denominator, fixed.denominator);
+}
+
+QNumber::QNumber(detail::FixedFraction const& fixed) : QNumber() {
+  auto const size = mpz_size(fixed.numerator) + mpz_size(fixed.denominator);
+  adopt(new (size * sizeof(mp_limb_t)) Block(fixed));
   assert(is_canonical());
 }
 

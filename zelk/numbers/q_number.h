@@ -4,6 +4,7 @@
 #include <cassert>
 #include <climits>
 #include <concepts>
+#include <cstddef>
 #include <type_traits>
 #include <utility>
 
@@ -33,8 +34,9 @@ requires(std::is_enum_v<T>) inline constexpr bool may_not_fit<T> =
     is_unsigned_word<std::underlying_type_t<T>>;
 
 namespace detail {
+struct FixedFraction;
 struct SharedDigits;
-}
+}  // namespace detail
 
 /// An exact rational number, always in lowest terms with a positive denominator; zero is 0/1.
 ///
@@ -145,7 +147,8 @@ class ZELK_EXPORT QNumber {
   /// Throws: std::domain_error when the denominator is 0.
   static QNumber from_lowest_terms(LowestTerms const& fraction);
 
-  /// For tables of this library with many keys of one number.
+  /// For tables of this library with very many numbers.
+  explicit QNumber(detail::FixedFraction const& fixed);
   explicit QNumber(detail::SharedDigits const& shared);
 
   /// In other's form; a copy in big form owns a block of its own.
@@ -350,6 +353,8 @@ class ZELK_EXPORT QNumber {
       mpz_init_set(numerator, n);
       mpz_init_set(denominator, d);
     }
+    /// Requires: as many bytes of digits behind the block.
+    explicit Block(detail::FixedFraction const& fixed);
     explicit Block(detail::SharedDigits const& shared);
     Block(Block const&) = delete;
     Block& operator=(Block const&) = delete;
@@ -357,6 +362,11 @@ class ZELK_EXPORT QNumber {
       mpz_clear(numerator);
       mpz_clear(denominator);
     }
+
+    static void* operator new(std::size_t size, std::size_t digits = 0) {
+      return ::operator new(size + digits);
+    }
+    static void operator delete(void* block) { ::operator delete(block); }
 
     mpz_t numerator;
     mpz_t denominator;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "zelk/approx/internal/count_steps.h"
-#include "zelk/numbers/internal/shared_digits.h"
+#include "zelk/numbers/internal/fixed_number.h"
 
 namespace zelk::na {
 
@@ -67,12 +67,11 @@ QNumber const& ConvergentWalk::compute() {
   RationalApproximator::ApproxCache::Bucket* node;
   owner.approx_cache.find_or_add(key, &index, &node,
                                  std::pair(detail::SharedDigits{recurrence->number}, prec),
-                                 QNumber::LowestTerms{recurrence->h, recurrence->k});
+                                 detail::FixedFraction{recurrence->h, recurrence->k});
   return node->value.second;
 }
 
 void ConvergentWalk::Recurrence::advance(unsigned count) {
-  Integer term;
   for (; length < count; ++length) {
     if (length < known.size()) {
       append(known[length].numerator());

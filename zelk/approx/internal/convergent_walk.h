@@ -9,6 +9,7 @@
 #include "zelk/approx/internal/euclid.h"
 #include "zelk/approx/rational_approximator.h"
 #include "zelk/containers/hasher.h"
+#include "zelk/numbers/integer.h"
 #include "zelk/numbers/q_number.h"
 
 namespace zelk::na {
@@ -57,6 +58,7 @@ class ConvergentWalk {
     QNumber const& number;  // as the table of expansions keeps it
     std::vector<QNumber> known;
     Euclid rest;
+    Integer term;  // the last one split off
     unsigned length = 0;
   };
 
