@@ -133,10 +133,9 @@ Demand demand_of_pi(Query const& query, unsigned places) {
     double const digits = *query.digits;
     return {600 * (digits + 100) + 2 * decimals(places), 4000 * (digits + 100)};
   }
-  // Some 1.8 convergents for each digit are kept, each under a key of 34 bits for each digit.
+  // Some 20 convergents for each digit are kept, with 17 bits for each digit on the average.
   double const square = double(*query.digits) * *query.digits;
-  // Before them 0.7 terms for each digit are added.
-  return {1000 * square + 2 * decimals(places), 4000 * square, 2.5 * *query.digits};
+  return {400 * square + 2 * decimals(places), 4000 * square, 20.0 * *query.digits};
 }
 
 Demand demand_of_expression(Query const& query, unsigned places) {
