@@ -100,8 +100,7 @@ Ends<Fmpq> by_arb(Query const& query, Fmpq const& x) {
 }
 
 /// The least that the bounds of pi can cost: both ends of the enclosure expanded term by term, the
-/// recurrence of their convergents, and a copy of every convergent with its key, as the caches
-/// keep them.
+/// recurrence of their convergents, and a copy of every convergent, as the caches keep them.
 class BareExpansion {
  public:
   explicit BareExpansion(unsigned digits) : ends(plain::machin_ends(plain::tolerance(digits))) {
@@ -112,7 +111,6 @@ class BareExpansion {
 
   /// What would have gone into the caches.
   struct Entry {
-    mpz_class numerator, denominator;  // of the number
     unsigned precision;
     mpz_class h, k;
   };
@@ -120,9 +118,8 @@ class BareExpansion {
   std::vector<Entry> operator()() const {
     std::vector<Entry> entries;
     for (QNumber const* end : {&ends.first, &ends.second}) {
-      mpz_class const numerator(end->numerator().get());
-      mpz_class const denominator(end->denominator().get());
-      mpz_class n = numerator, d = denominator, term, h = 1, h0 = 0, k = 0, k0 = 1;
+      mpz_class n(end->numerator().get()), d(end->denominator().get());
+      mpz_class term, h = 1, h0 = 0, k = 0, k0 = 1;
       for (unsigned precision = 1; precision <= length; ++precision) {
         if (d != 0) {  // else h/k is the number itself
           mpz_fdiv_qr(term.get_mpz_t(), n.get_mpz_t(), n.get_mpz_t(), d.get_mpz_t());
@@ -132,7 +129,7 @@ class BareExpansion {
           swap(h, h0);
           swap(k, k0);
         }
-        entries.push_back({numerator, denominator, precision, h, k});
+        entries.push_back({precision, h, k});
       }
     }
     return entries;

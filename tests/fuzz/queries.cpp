@@ -125,7 +125,7 @@ void run_queries(Bytes bytes) {
     mpq_class x = used[next() % used.size()];
     if (choice / 2 % 4 == 0) {
       while (abs(x) > 100) x /= 16;
-      approximators.check_series(to_number(x, big), next() % 61);
+      approximators.check_series(to_number(x, big), next() % 241);
     } else {
       int const direction = static_cast<int>(choice / 2 % 4) - 2;
       approximators.check_rational(to_number(x, big), 1 + next() % 40, direction);
