@@ -28,7 +28,7 @@ SECTIONS = [
      "with the rationals of GMP and FLINT; Arb computes a ball at that many digits, which is then "
      "turned into two rationals (those of pi not the simple ones that the others find). The bare "
      "expansion stands for the least that the bounds of pi can cost: both ends expanded, and every "
-     "convergent copied out with its key, but nothing summed."),
+     "convergent copied out, but nothing summed."),
     ("Elementary functions over intervals", ("Elementary",),
      "One object answers all, so that its constants are computed already, as Arb's are. Arb computes "
      "a ball at that many digits after the point, which is then turned into two rationals; this "

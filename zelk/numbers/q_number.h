@@ -363,7 +363,8 @@ class ZELK_EXPORT QNumber {
       mpz_clear(denominator);
     }
 
-    static void* operator new(std::size_t size, std::size_t digits = 0) {
+    static void* operator new(std::size_t size) { return ::operator new(size); }
+    static void* operator new(std::size_t size, std::size_t digits) {
       return ::operator new(size + digits);
     }
     static void operator delete(void* block) { ::operator delete(block); }

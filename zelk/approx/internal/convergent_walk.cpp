@@ -44,7 +44,7 @@ QNumber const& ConvergentWalk::next() {
 
 QNumber ConvergentWalk::compute_folded() {
   auto const c = owner.get_cf(key.first, key.second);
-  QNumber const folded = fold(c.terms, std::min<std::size_t>(key.second, c.terms.size()));
+  QNumber folded = fold(c.terms, std::min<std::size_t>(key.second, c.terms.size()));
   // The entry can be an older one, of an equal number in big form, that the growth of the table
   // has put where this key looks. It stays big: the answer is what was folded.
   owner.approx_cache.store(key, folded);
