@@ -20,7 +20,8 @@ namespace zelk::na {
 /// Cost of exp and sin at x = p/q, beyond a lookup: k terms, where k is about the least number with
 /// |x|^k/k! < 10^-prec, all together a few times log k products of integers of the size of k! q^k,
 /// and one reduction in the end; for exp at x > 0 that is two gcds, which take longest. There is no
-/// range reduction: k is never less than about 2.7 |x|. One summation makes bounds and derivative, whichever is asked for first.
+/// range reduction: k is never less than about 2.7 |x|. One summation makes bounds and derivative,
+/// whichever is asked for first.
 ///
 /// Proofs and sources: docs/mathematics.md, sections 6 to 9.
 class ZELK_EXPORT PowerSeriesApproximator {
