@@ -239,16 +239,17 @@ std::string goal_of_eval(Query const& query, Answer const& answer) {
   }
 }
 
-/// `certify` makes a certificate of the bounds.
-template <auto& solve, auto& certify>
+/// `certify` makes a certificate of the bounds, and `certify_companion` one of their companions.
+template <auto& solve, auto& certify, auto& certify_companion>
 Proven prove_sum(Query const& query, Approximators& approximators) {
-  if (query.kind == Query::derivative)
-    refuse(query, *query.words[0], "there are no certificates of companion bounds");
   auto const bounds = std::get<Bounds>(solve(query, approximators));
+  bool const is_companion = query.kind == Query::derivative;
   // Short bounds hold those of one digit more.
   unsigned const digits = *query.digits + (query.kind == Query::shortened ? 1 : 0);
-  return {bounds, certify(approximators.series, query.numbers[0], digits,
-                          real::Interval(bounds.first, bounds.second))};
+  auto const [lower, upper] = std::minmax(bounds.first, bounds.second);
+  return {bounds,
+          (is_companion ? certify_companion : certify)(approximators.series, query.numbers[0],
+                                                       digits, real::Interval(lower, upper))};
 }
 
 Proven prove_pi(Query const& query, Approximators& approximators) {
@@ -362,7 +363,7 @@ std::span<Function const> all_functions() {
        .can_be_plotted = true,
        .demand = demand_of_exp,
        .solve = exp,
-       .prove = prove_sum<exp, certify::certify_exp>},
+       .prove = prove_sum<exp, certify::certify_exp, certify::certify_exp>},
       {.name = "sin",
        .summary = "Bounds of sin X less than 2*10^-DIGITS apart, one per line",
        .examples = "  zelk sin 1/2 20 --short\n"
@@ -374,7 +375,7 @@ std::span<Function const> all_functions() {
        .can_be_plotted = true,
        .demand = demand_of_sine,
        .solve = sin,
-       .prove = prove_sum<sin, certify::certify_sin>},
+       .prove = prove_sum<sin, certify::certify_sin, certify::certify_cos>},
       {.name = "cos",
        .summary = "Bounds of cos X less than 2*10^-DIGITS apart, one per line",
        .examples = "  zelk cos 1/2 20 --short",
@@ -385,7 +386,7 @@ std::span<Function const> all_functions() {
        .can_be_plotted = true,
        .demand = demand_of_sine,
        .solve = cos,
-       .prove = prove_sum<cos, certify::certify_cos>},
+       .prove = prove_sum<cos, certify::certify_cos, certify::certify_negative_sin>},
       {.name = "pi",
        .summary = "Bounds of pi at most 10^-DIGITS apart, one per line",
        .examples = "  zelk pi 20 --short\n"

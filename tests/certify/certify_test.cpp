@@ -28,24 +28,19 @@ using real::Accuracy;
 using real::Interval;
 using verify::Certificate;
 
-std::string without_reason(std::string const& line) {
-  return line.starts_with("rejected: claim ") ? line.substr(0, line.find(':', 16))
-         : line.starts_with("no certificate") ? "no certificate"
-                                              : line;
-}
-
 std::string judge(std::string_view lines) {
   try {
     auto const verdict = verify::verify(verify::read_certificate(lines));
-    return verdict.is_accepted ? "accepted: " + verdict.statement
-                               : "rejected: claim " + std::to_string(verdict.claim);
-  } catch (verify::NoCertificate const&) {
-    return "no certificate";
+    return verdict.is_accepted
+               ? "accepted: " + verdict.statement
+               : "rejected: claim " + std::to_string(verdict.claim) + ": " + verdict.reason;
+  } catch (verify::NoCertificate const& error) {
+    return std::string("no certificate: ") + error.what();
   }
 }
 
 /// The verdicts on the certificates of each text, after they have been found to be the same of the
-/// other checker, with its exit status.
+/// other checker, word for word, with its exit status.
 std::vector<std::string> judge_by_both(std::vector<std::string> const& texts) {
   std::string command = CHECK_CERTIFICATE;
   std::vector<std::string> paths;
@@ -69,7 +64,7 @@ std::vector<std::string> judge_by_both(std::vector<std::string> const& texts) {
       verdicts.push_back(judge(one));
       std::string line;
       std::getline(lines, line);
-      EXPECT_EQ(verdicts.back(), without_reason(line)) << one.substr(0, 2000);
+      EXPECT_EQ(verdicts.back(), line) << one.substr(0, 2000);
       int const verdict = line.starts_with("accepted") ? 0 : line.starts_with("rejected") ? 1 : 2;
       worst = std::max(worst, verdict);
     } while (!text.empty());
@@ -167,6 +162,10 @@ TEST(Certificates, OfRandomAnswersAreAccepted) {
       add(certify_exp, series.maclaurin_exp_bounds(x, digits));
       add(certify_sin, series.maclaurin_sin_bounds(x, digits));
       add(certify_cos, na::cosine_bounds(series, x, digits));
+      auto const exp = series.maclaurin_exp_der_bounds(x, digits);
+      add(certify_exp, n < 0 ? std::pair(exp.second, exp.first) : exp);
+      auto const sin = series.maclaurin_sin_bounds(x, digits);
+      add(certify_negative_sin, std::pair(-sin.second, -sin.first));
     }
   for (unsigned digits = 0; digits < 100; ++digits)
     for (auto const& bounds : {series.machin_pi_bounds(digits), na::short_pi_bounds(digits)}) {
@@ -183,14 +182,16 @@ TEST(Certificates, OfCornersAreAccepted) {
   std::string text;
   real::ElementaryFunctions functions;
   for (char const* const expression :
-       {"sin(1e-30)",    "atan(-1e-20)",      "cos(1e-30)",     "tan(355/226)",
-        "tanh(1000000)", "exp(-99)",          "exp(-1000)",     "acos(1 - 1e-50)",
-        "acos(-1)",      "asin(1)",           "log(1 + 1e-40)", "log(1)",
-        "sin(355)",      "cos(11)",           "sin(10^50)",     "pi^100",
-        "2^1000.5",      "(4/9)^-1.5",        "root(-27/8, 3)", "[-2, 1]^2",
-        "[4, 9]^0.5",    "[1, 2]^[0.5, 0.7]", "cosh([-1, 2])",  "sin([-0.1, 8])",
-        "cos([0, 4])",   "sin([0, 1])",       "e^pi - pi^e",    "-[1, 2]/[-3, -1]",
-        "atan(10^300)"})
+       {"sin(1e-30)",    "atan(-1e-20)",      "cos(1e-30)",           "tan(355/226)",
+        "tanh(1000000)", "exp(-99)",          "exp(-1000)",           "acos(1 - 1e-50)",
+        "acos(-1)",      "asin(1)",           "log(1 + 1e-40)",       "log(1)",
+        "sin(355)",      "cos(11)",           "sin(10^50)",           "pi^100",
+        "2^1000.5",      "(4/9)^-1.5",        "root(-27/8, 3)",       "[-2, 1]^2",
+        "[4, 9]^0.5",    "[1, 2]^[0.5, 0.7]", "cosh([-1, 2])",        "sin([-0.1, 8])",
+        "cos([0, 4])",   "sin([0, 1])",       "e^pi - pi^e",          "-[1, 2]/[-3, -1]",
+        "atan(10^300)",  "root(2, 1000000)",  "1.000001^-3000000019", "sin([3, 7])",
+        "sin([4, 9])",   "tan([2, 4])",       "asin(1 - 1e-90)",      "log(1e-400)",
+        "exp(-10^10)",   "cos([-3, 3])",      "acos([-1, 1])"})
     for (unsigned const digits : {0U, 3U, 30U})
       text +=
           to_json_lines(prove(functions, real::parse_expression(expression), digits).certificate);
@@ -216,9 +217,9 @@ std::vector<Certificate> tampered(Certificate const& good) {
         [](auto& c) -> auto& { return c.lower; }, claim.lower);
     alter(
         [](auto& c) -> auto& { return c.upper; }, claim.upper);
-    for (std::size_t j = 0; j < claim.arguments.size(); ++j)
-      alter(
-          [j](auto& c) -> auto& { return c.arguments[j]; }, claim.arguments[j]);
+    for (auto const argument : claim.arguments)
+      for (std::size_t const by : {argument - 1, argument + 1, argument / 2, argument / 4})
+        change([&](Certificate& c) { c.claims[i].arguments[0] = by; });
     for (std::size_t j = 0; j < claim.premises.size(); ++j)
       for (std::size_t to = 1; to <= good.claims.size() + 1; ++to)
         if (to != claim.premises[j]) change([&](Certificate& c) { c.claims[i].premises[j] = to; });
@@ -228,7 +229,7 @@ std::vector<Certificate> tampered(Certificate const& good) {
     for (std::size_t j = i + 1; j < good.claims.size(); ++j)
       change([&](Certificate& c) { std::swap(c.claims[i], c.claims[j]); });
     for (auto const* const name :
-         {"exp_taylor", "sum", "sin_taylor", "log_by_exp", "number", "Sum"})
+         {"exp_taylor", "sum", "sin_taylor", "log_by_exp", "power", "number", "Sum"})
       if (claim.theorem != name) change([&](Certificate& c) { c.claims[i].theorem = name; });
   }
   return all;
@@ -280,49 +281,57 @@ TEST(Certificates, AreSpelledInOneWayAndRefusedBeforeTheWork) {
            R"(],"premises":["1"],"lower":"0","upper":"9"})"
            "\n";
   };
+  std::string const misspelled = "no certificate: a line that is not spelled as it should be";
+  std::string const unreduced = "no certificate: a number that is not in lowest terms";
   struct {
     std::string lines;
     std::string verdict;
   } const table[] = {
       {about("-1/2", "3"), "accepted: [-1/2, 3] in [-1/2, 3]"},
-      {about("3", "-1/2"), "rejected: claim 1"},
-      {about("2/4", "3"), "no certificate"},
-      {about("1/1", "3"), "no certificate"},
-      {about("-0", "3"), "no certificate"},
-      {about("+1", "3"), "no certificate"},
-      {about("01", "3"), "no certificate"},
-      {about("1/0", "3"), "no certificate"},
-      {about("1/-2", "3"), "no certificate"},
-      {about("0/2", "3"), "no certificate"},
-      {about("1 ", "3"), "no certificate"},
-      {about("", "3"), "no certificate"},
-      {about("1e3", "3000"), "no certificate"},
-      {about("\xd9\xa1", "3"), "no certificate"},
-      {about("\\u0031", "3"), "no certificate"},
-      {about("1", std::string(2000000, '9')), "no certificate"},
-      {"", "no certificate"},
-      {"\n", "no certificate"},
-      {first, "no certificate"},
-      {first + "1\"}\n", "no certificate"},
-      {first + "1\"}\n" + claim + "1\", \"upper\":\"1\"}\n", "no certificate"},
-      {first + "1\"}\n" + claim + "1\",\"upper\":1}\n", "no certificate"},
-      {first + "1\"}\n" + claim + "1\",\"upper\":\"1\"}\n\n", "no certificate"},
+      {about("3", "-1/2"), "rejected: claim 1: ends in the wrong order"},
+      {about("2/4", "3"), unreduced},
+      {about("1/1", "3"), unreduced},
+      {about("0/2", "3"), unreduced},
+      {about("-0", "3"), misspelled},
+      {about("+1", "3"), misspelled},
+      {about("01", "3"), misspelled},
+      {about("1/0", "3"), misspelled},
+      {about("1/-2", "3"), misspelled},
+      {about("1 ", "3"), misspelled},
+      {about("", "3"), misspelled},
+      {about("1e3", "3000"), misspelled},
+      {about("\xd9\xa1", "3"), misspelled},
+      {about("\\u0031", "3"), misspelled},
+      {about("1", std::string(2000000, '9')), "no certificate: longer than allowed"},
+      {"", misspelled},
+      {"\n", misspelled},
+      {first, misspelled},
+      {first + "1\"}\n", "no certificate: wrong number of claims"},
+      {first + "1\"}\n" + claim + "1\", \"upper\":\"1\"}\n", misspelled},
+      {first + "1\"}\n" + claim + "1\",\"upper\":1}\n", misspelled},
+      {first + "1\"}\n" + claim + "1\",\"upper\":\"1\",\"upper\":\"1\"}\n", misspelled},
+      {first + "1\"}\r\n" + claim + "1\",\"upper\":\"1\"}\n", misspelled},
+      {first + "1\"}\n" + claim + "1\",\"upper\":\"1\"}\n\n",
+       "no certificate: wrong number of claims"},
       {first + "1\"}\n" + claim + "1\",\"upper\":\"1\"}", "accepted: 1 in [1, 1]"},
-      {first + "2\"}\n" + claim + "1\",\"upper\":\"1\"}", "rejected: claim 1"},
+      {first + "2\"}\n" + claim + "1\",\"upper\":\"1\"}",
+       "rejected: claim 1: is not what the first line states"},
       {R"({"certificate":"2","claims":"1","statement":"1"})"
        "\n" +
            claim + "1\",\"upper\":\"1\"}",
-       "no certificate"},
-      {by("exp_taylor", R"("1","1000000000","64")"), "rejected: claim 2"},
-      {by("exp_taylor", R"("1","9","999999999999999999999")"), "rejected: claim 2"},
-      {by("exp_taylor", R"("4000000","16000000","16000001")"), "rejected: claim 2"},
-      {by("exp_taylor", R"("1","9","1/2")"), "rejected: claim 2"},
-      {by("exp_taylor", R"("1","-9","64")"), "rejected: claim 2"},
-      {by("exp_taylor", R"("1","9")"), "rejected: claim 2"},
-      {by("exp_partial_sum", R"("10000000")"), "rejected: claim 2"},
-      {by("sinh_taylor", R"("7","300","8")"), "rejected: claim 2"},  // nothing left of e to invert
-      {by("number", R"()"), "rejected: claim 2"},
-      {by("", R"()"), "rejected: claim 2"},
+       "no certificate: an unknown version"},
+      {by("exp_taylor", R"("16777217")"), "rejected: claim 2: an argument out of range"},
+      {by("exp_taylor", R"("7")"), "rejected: claim 2: an argument out of range"},
+      {by("exp_taylor", R"("16777216")"), "rejected: claim 2: too much work"},
+      {by("exp_taylor", R"("9999999999")"), misspelled},
+      {by("exp_taylor", R"("1/2")"), misspelled},
+      {by("exp_taylor", R"("-9")"), misspelled},
+      {by("exp_taylor", R"(true)"), misspelled},
+      {by("exp_taylor", R"("9","9","9","9")"), misspelled},
+      {by("exp_taylor", R"("9","9")"), "rejected: claim 2: wrong number of arguments"},
+      {by("sum", ""), "rejected: claim 2: wrong number of premises"},
+      {by("number", ""), "rejected: claim 2: wrong number of premises"},
+      {by("", ""), "rejected: claim 2: an unknown theorem"},
   };
   std::vector<std::string> texts, expected;
   for (auto const& [lines, verdict] : table) {

@@ -35,15 +35,23 @@ Proof prove_image(Functions& functions, Kind kind, Function function, Interval c
   return prove_image(functions, kind, {x}, (functions.*function)(x, accuracy), accuracy);
 }
 
-/// That a sum of the series at x, up to a term, has such a value.
-verify::Certificate certify_sum(char const* name, QNumber const& x, long index,
-                                Interval const& bounds) {
+/// That what is a function of a number has such a value: bounds that lie more than 2^-bits from it.
+verify::Certificate certify_call(char const* name, QNumber const& x, long bits,
+                                 Interval const& bounds, bool is_negated = false) {
   Functions functions;
   Maker maker(functions);
   auto const point = maker.number(x);
-  auto text = std::string(name) + "(" + point.text + ")";
-  return maker.finish(
-      maker.claim(std::string(name) + "_partial_sum", {index}, {point}, std::move(text), bounds));
+  auto answer =
+      maker.claim(std::string(name) + "_taylor", {bits + 8}, {point},
+                  std::string(name) + "(" + point.text + ")", is_negated ? -bounds : bounds);
+  if (is_negated) answer = maker.combined(Kind::negative, {answer}, bounds, 0);
+  return maker.finish(answer);
+}
+
+/// The power of x that the sine's sum stopped at.
+long degree_of_sin(Series& series, QNumber const& x, unsigned digits) {
+  series.maclaurin_sin_bounds(x, digits);
+  return series.sin_records().find({x, digits}).node->value.second.degree;
 }
 
 }  // namespace
@@ -118,18 +126,26 @@ Proof prove_pi(Functions& functions, Accuracy accuracy) {
                      accuracy);
 }
 
+// The ends are farther from the value than a quarter of the first term that is left out, with its
+// power of x: docs/mathematics.md, section 17.
+
 verify::Certificate certify_exp(Series& series, QNumber const& x, unsigned digits,
                                 Interval const& bounds) {
   series.maclaurin_exp_bounds(x, digits);
-  return certify_sum("exp", x, series.exp_records().find({x, digits}).node->value.second.degree,
-                     bounds);
+  long const degree = series.exp_records().find({x, digits}).node->value.second.degree;
+  // Of a great value the relative accuracy counts.
+  return certify_call("exp", x, smallness_of_term(x, degree + 1) + magnitude(bounds), bounds);
 }
 
 verify::Certificate certify_sin(Series& series, QNumber const& x, unsigned digits,
                                 Interval const& bounds) {
-  series.maclaurin_sin_bounds(x, digits);
-  return certify_sum("sin", x, series.sin_records().find({x, digits}).node->value.second.degree + 1,
-                     bounds);
+  return certify_call("sin", x, smallness_of_term(x, degree_of_sin(series, x, digits) + 1), bounds);
+}
+
+verify::Certificate certify_negative_sin(Series& series, QNumber const& x, unsigned digits,
+                                         Interval const& bounds) {
+  return certify_call("sin", x, smallness_of_term(x, degree_of_sin(series, x, digits) + 1), bounds,
+                      true);
 }
 
 verify::Certificate certify_cos(Series& series, QNumber const& x, unsigned digits,
@@ -137,17 +153,16 @@ verify::Certificate certify_cos(Series& series, QNumber const& x, unsigned digit
   for (unsigned asked = digits;; asked += 1 + asked / 8) {
     auto const [lower, upper] = series.maclaurin_sin_der_bounds(x, asked);
     if (!bounds.contains(Interval(lower, upper))) continue;
-    long const degree = series.sin_records().find({x, asked}).node->value.second.degree;
-    return certify_sum("cos", x, degree == 0 ? 1 : degree, bounds);
+    return certify_call("cos", x, smallness_of_term(x, degree_of_sin(series, x, asked)), bounds);
   }
 }
 
 verify::Certificate certify_pi(Interval const& bounds) {
   Functions functions;
   Maker maker(functions);
-  // Its own width says how far the ends are; the spare bits make up for one that lies nearer.
-  auto const effort = effort_of_pi(64 - magnitude(bounds.width()));
-  return maker.finish(maker.claim("pi_machin", {effort.terms, effort.bits}, {}, "pi", bounds));
+  // The ends are farther from pi than 2^-20 of their distance.
+  long const bits = 24 - magnitude(bounds.width());
+  return maker.finish(maker.claim("pi_by_sin", {std::max(bits, 8L)}, {}, "pi", bounds));
 }
 
 }  // namespace zelk::certify

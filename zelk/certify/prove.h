@@ -15,10 +15,10 @@
 /// `zelk::verify::verify` or scripts/check_certificate whether it is right.
 ///
 /// A proof is found without computing anything again: it consists of the ends known anyway and of
-/// the numbers of terms and bits with which a checker reaches them.
+/// the numbers of bits with which a checker reaches them.
 ///
 /// Throws: what those functions throw; also std::length_error if an answer has no certificate,
-/// since an exponent in it has a numerator or denominator beyond 2^31.
+/// since in it stands a power of what is not positive that is millions of bits long.
 namespace zelk::certify {
 
 struct Proof {
@@ -54,12 +54,15 @@ ZELK_EXPORT Proof prove_tanh(Functions& functions, real::Interval const& x,
                              real::Accuracy accuracy);
 ZELK_EXPORT Proof prove_pi(Functions& functions, real::Accuracy accuracy);
 
-/// That `bounds` hold e^x, sin x or cos x. Requires: they hold those that `series` answers for so
-/// many digits, or as many more as `cosine_bounds` takes.
+/// That `bounds` hold e^x, sin x, -sin x or cos x. Requires: they hold those that `series` answers
+/// for so many digits, or as many more as `cosine_bounds` takes, or the companions, in order.
 ZELK_EXPORT verify::Certificate certify_exp(na::PowerSeriesApproximator& series, QNumber const& x,
                                             unsigned digits, real::Interval const& bounds);
 ZELK_EXPORT verify::Certificate certify_sin(na::PowerSeriesApproximator& series, QNumber const& x,
                                             unsigned digits, real::Interval const& bounds);
+ZELK_EXPORT verify::Certificate certify_negative_sin(na::PowerSeriesApproximator& series,
+                                                     QNumber const& x, unsigned digits,
+                                                     real::Interval const& bounds);
 ZELK_EXPORT verify::Certificate certify_cos(na::PowerSeriesApproximator& series, QNumber const& x,
                                             unsigned digits, real::Interval const& bounds);
 

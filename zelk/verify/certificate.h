@@ -12,7 +12,7 @@ namespace zelk::verify {
 /// its arguments and its premises. docs/certificates.md lists the theorems.
 struct Claim {
   std::string theorem;
-  std::vector<QNumber> arguments;
+  std::vector<std::size_t> arguments;
   std::vector<std::size_t> premises;  // numbers of claims, counted from 1, that stand before
   QNumber lower;
   QNumber upper;

@@ -11,9 +11,15 @@ namespace zelk::verify {
 
 namespace {
 
+constexpr char misspelled[] = "a line that is not spelled as it should be";
 constexpr std::string_view beginning = R"({"certificate":)";
 constexpr std::size_t most_claims = 1UL << 16;
 constexpr std::size_t most_bytes = 1UL << 26;
+
+bool is_positive(std::string_view word) {
+  return !word.empty() && word.front() != '0' &&
+         std::ranges::all_of(word, [](char c) { return c >= '0' && c <= '9'; });
+}
 
 /// A line whose members are in order, without blanks, and strings or lists of strings.
 class Line {
@@ -21,7 +27,7 @@ class Line {
   explicit Line(std::string_view text) : rest(text) {}
 
   void expect(std::string_view text) {
-    if (!rest.starts_with(text)) throw NoCertificate("a line without the right members");
+    if (!rest.starts_with(text)) throw NoCertificate(misspelled);
     rest.remove_prefix(text.size());
   }
 
@@ -29,47 +35,51 @@ class Line {
   std::string_view string() {
     expect("\"");
     auto const end = rest.find('"');
-    if (end == std::string_view::npos) throw NoCertificate("a line without the right members");
+    if (end == std::string_view::npos) throw NoCertificate(misspelled);
     auto const word = rest.substr(0, end);
     if (!std::ranges::all_of(word, [](char c) { return c >= ' ' && c <= '~' && c != '\\'; }))
-      throw NoCertificate("a line that is not spelled as it should be");
+      throw NoCertificate(misspelled);
     rest.remove_prefix(end + 1);
     return word;
   }
 
-  template <class Take>
-  void list(Take const& take) {
+  /// Of up to three counting numbers below 10^9.
+  std::vector<std::size_t> list() {
+    std::vector<std::size_t> numbers;
     expect("[");
-    for (bool is_first = true; !rest.starts_with("]"); is_first = false) {
-      if (!is_first) expect(",");
-      take(string());
+    while (!rest.starts_with("]")) {
+      if (!numbers.empty()) expect(",");
+      auto const word = string();
+      if (!is_positive(word) || word.size() > 9 || numbers.size() == 3)
+        throw NoCertificate(misspelled);
+      numbers.push_back(std::stoul(std::string(word)));
     }
     expect("]");
+    return numbers;
   }
 
   void end() const {
-    if (!rest.empty()) throw NoCertificate("a line without the right members");
+    if (!rest.empty()) throw NoCertificate(misspelled);
   }
 
  private:
   std::string_view rest;
 };
 
-bool is_positive(std::string_view word) {
-  return !word.empty() && word.front() != '0' &&
-         std::ranges::all_of(word, [](char c) { return c >= '0' && c <= '9'; });
+bool is_number(std::string_view word) {
+  auto const slash = std::min(word.find('/'), word.size());
+  auto const numerator = word.substr(0, slash);
+  return (numerator == "0" || is_positive(numerator.substr(word.starts_with('-') ? 1 : 0))) &&
+         (slash == word.size() || is_positive(word.substr(slash + 1)));
 }
 
 class Reader {
  public:
   explicit Reader(Limits const& limits) : work_left(limits.work) {}
 
+  /// Requires: it is spelled as a number.
   QNumber number(std::string_view word) {
     auto const slash = std::min(word.find('/'), word.size());
-    auto const magnitude = word.substr(0, slash).substr(word.starts_with('-') ? 1 : 0);
-    if (!(is_positive(magnitude) || word.substr(0, slash) == "0") ||
-        !(slash == word.size() || is_positive(word.substr(slash + 1))))
-      throw NoCertificate("a number that is not spelled as it should be");
     work_left -= static_cast<double>(word.size()) * static_cast<double>(word.size());
     if (work_left < 0) throw NoCertificate("longer than allowed");
     mpq_t q;
@@ -89,19 +99,18 @@ class Reader {
     line.expect(R"({"theorem":)");
     claim.theorem = line.string();
     line.expect(R"(,"arguments":)");
-    line.list([&](std::string_view word) { claim.arguments.push_back(number(word)); });
+    claim.arguments = line.list();
     line.expect(R"(,"premises":)");
-    line.list([&](std::string_view word) {
-      if (!is_positive(word) || word.size() > 9)
-        throw NoCertificate("a premise that is not a number of a claim");
-      claim.premises.push_back(std::stoul(std::string(word)));
-    });
+    claim.premises = line.list();
     line.expect(R"(,"lower":)");
-    claim.lower = number(line.string());
+    auto const lower = line.string();
     line.expect(R"(,"upper":)");
-    claim.upper = number(line.string());
+    auto const upper = line.string();
     line.expect("}");
     line.end();
+    if (!is_number(lower) || !is_number(upper)) throw NoCertificate(misspelled);
+    claim.lower = number(lower);
+    claim.upper = number(upper);
     return claim;
   }
 

@@ -57,20 +57,25 @@ class Checker {
     need(theorem != nullptr, "an unknown theorem");
     need(claim.premises.size() == theorem->premises, "wrong number of premises");
     need(claim.arguments.size() == theorem->arguments, "wrong number of arguments");
-    Case one{claim.arguments, {}, claim.lower, claim.upper, budget};
-    double bits = bits_of(claim.lower) + bits_of(claim.upper);
-    for (auto const& argument : claim.arguments) bits += bits_of(argument);
-    double work = bits, text = bits + 64;
-    for (auto const premise : claim.premises) {
+    long bits = 0;
+    for (auto const premise : claim.premises)
       need(premise >= 1 && premise <= known.size(), "a premise that does not stand before");
+    for (auto const argument : claim.arguments) {
+      need(argument >= 8 && argument <= most_bits, "an argument out of range");
+      bits = static_cast<long>(argument);
+    }
+    Case one{{}, claim.lower, claim.upper, {bits, budget}, budget};
+    double const size = bits_of(claim.lower) + bits_of(claim.upper);
+    double work = size, text = size + 64;
+    for (auto const premise : claim.premises) {
       one.premises.push_back(&known[premise - 1]);
       work += one.premises.back()->bits;
       text += static_cast<double>(one.premises.back()->text.size());
     }
     need(text <= text_left, "too long a statement");
-    budget.spend_products(16, work);
+    budget.spend(64, work, 2);
     need(!(claim.upper < claim.lower), "ends in the wrong order");
-    Known fact{filled_in(*theorem, one), claim.lower, claim.upper, bits};
+    Known fact{filled_in(*theorem, one), claim.lower, claim.upper, size};
     need(theorem->follows(one), "does not follow");
     text_left -= static_cast<double>(fact.text.size());
     known.push_back(std::move(fact));

@@ -60,7 +60,7 @@ void sum_chudnovsky(mpz_ptr below, unsigned long bits) {
   mpz_mul(below, below, part.q);
   mpz_mul_ui(below, below, 426880);
   mpz_fdiv_q(below, below, part.t);
-  mpz_sub_ui(below, below, 1);
+  mpz_sub_ui(below, below, 2);
 }
 
 }  // namespace zelk::na

@@ -3,9 +3,9 @@
 #include <gmp.h>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 
+#include "zelk/numbers/functions.h"
 #include "zelk/real/elementary_functions.h"
 
 namespace zelk::certify {
@@ -14,33 +14,18 @@ namespace {
 
 long size_of(mpz_srcptr n) { return static_cast<long>(mpz_sizeinbase(n, 2)); }
 
-long width_of(long n) { return static_cast<long>(std::bit_width(static_cast<unsigned long>(n))); }
-
-long root_of(long n) { return std::lround(std::sqrt(static_cast<double>(n))); }
-
-/// The least n with y^n/n! < 2^-bits for y < 2^-smallness.
-long exponential_terms(long smallness, long bits) {
-  double reached = 0;
-  long n = 0;
-  while (reached < static_cast<double>(bits)) {
-    ++n;
-    reached += static_cast<double>(smallness) + std::log2(static_cast<double>(n));
-  }
-  return n;
+/// Of the longest part.
+long size_of(real::Interval const& x) {
+  long size = 0;
+  for (auto const* end : {&x.lower(), &x.upper()})
+    size = std::max({size, size_of(end->numerator()), size_of(end->denominator())});
+  return size;
 }
 
-/// The bits of l = a^(n/d) where l^d and a^n are formed without rounding, if that may be an
-/// equality; otherwise 0.
-long bits_of_equality(QNumber const& l, long d, QNumber const& a, long n) {
-  auto const above = size_of(l.numerator()) * d, below = size_of(l.denominator()) * d;
-  auto const a_above = size_of(a.numerator()) * std::abs(n),
-             a_below = size_of(a.denominator()) * std::abs(n);
-  auto const may_be_equal = [&](long left, long right) {
-    return std::abs(left - right) <= d + std::abs(n);
-  };
-  bool const fits = n > 0 ? may_be_equal(above, a_above) && may_be_equal(below, a_below)
-                          : may_be_equal(above, a_below) && may_be_equal(below, a_above);
-  return fits ? std::max({above, below, a_above, a_below}) : 0;
+double log2_of(mpz_srcptr n) {
+  long exponent = 0;
+  double const mantissa = mpz_get_d_2exp(&exponent, n);
+  return std::log2(std::abs(mantissa)) + static_cast<double>(exponent);
 }
 
 }  // namespace
@@ -58,38 +43,27 @@ long accuracy_of(real::Interval const& image, unsigned digits) {
   return static_cast<long>(digits * 332193UL / 100000UL) + zeros + real::answer_margin_bits + 12;
 }
 
-Effort effort_of_exp(long magnitude, long accuracy) {
-  long const smallness = root_of(accuracy), halvings = std::max(0L, magnitude) + smallness;
-  long const bits = accuracy + halvings + width_of(accuracy) + 6;
-  return {halvings, exponential_terms(smallness, bits), bits};
+long flatness(real::Interval const& x, long accuracy) {
+  // The cosine of an arc sine is sqrt(1 - x^2).
+  long bits = 0;
+  for (auto const* end : {&x.lower(), &x.upper()})
+    if (auto const square = 1 - *end * *end; !square.is_zero())
+      bits = std::max(bits, 2 - magnitude(square) / 2);
+  return std::min(bits, accuracy);
 }
 
-Effort effort_of_turn(long accuracy) {
-  // A doubling of the angle is three products, and takes log2 3 bits.
-  long const smallness = root_of(accuracy) / 2 + 1, halvings = smallness + 1;
-  long const bits = accuracy + 8 * halvings / 5 + width_of(accuracy) + 9;
-  return {halvings, exponential_terms(smallness, bits), bits};
+long smallness_of_term(QNumber const& x, long n) {
+  if (x.is_zero()) return 0;
+  auto const count = static_cast<double>(n);
+  double const power = count * (log2_of(x.numerator()) - log2_of(x.denominator()));
+  return std::max(0L, std::lround(std::lgamma(count + 1) / std::log(2) - power) + 2);
 }
 
-Effort effort_of_atan(long accuracy) {
-  long const smallness = root_of(accuracy) / 2 + 1, halvings = smallness + 1;
-  long const bits = accuracy + halvings + width_of(accuracy) + 9;
-  return {halvings, bits / (2 * smallness) + 1, bits};
-}
-
-Effort effort_of_pi(long accuracy) {
-  long const bits = accuracy + width_of(accuracy) + 6;
-  return {0, bits * 100 / 464 + 8, bits};
-}
-
-long bits_of_power(real::Interval const& x, QNumber const& exponent, real::Interval const& y,
-                   long accuracy) {
-  long const n = mpz_get_si(exponent.numerator()), d = mpz_get_si(exponent.denominator());
-  long bits = accuracy + magnitude(y) + width_of(std::abs(n)) + width_of(d) + 16;
-  for (auto const* l : {&y.lower(), &y.upper()})
-    for (auto const* a : {&x.lower(), &x.upper()})
-      bits = std::max(bits, bits_of_equality(*l, d, *a, n));
-  return bits;
+bool is_short_power(real::Interval const& x, QNumber const& exponent, real::Interval const& image) {
+  constexpr long most_bits = 1L << 22;
+  auto const greater = std::max(abs(numerator(exponent)), denominator(exponent));
+  // What is exact has no other proof.
+  return greater * std::max(size_of(x), size_of(image)) <= (image.is_point() ? 4 : 1) * most_bits;
 }
 
 }  // namespace zelk::certify

@@ -3,16 +3,10 @@
 #include "zelk/numbers/q_number.h"
 #include "zelk/real/interval.h"
 
-/// How far a checker has to go (zelk/verify/, docs/mathematics.md, section 17) for bounds within
-/// 2^-accuracy of the truth. A bit too much costs hardly anything; too little makes a proof that is
-/// none.
+/// How many bits a checker has to know (zelk/verify/, docs/mathematics.md, section 17) for bounds
+/// within 2^-accuracy of the truth. A bit too much costs hardly anything; too few make a proof that
+/// is none.
 namespace zelk::certify {
-
-struct Effort {
-  long halvings;
-  long terms;
-  long bits;
-};
 
 /// A bound e with |x| < 2^e, and |x| > 2^(e-2) unless x is 0.
 long magnitude(QNumber const& x);
@@ -23,18 +17,14 @@ long magnitude(real::Interval const& x);
 /// The accuracy that tells the true value from the ends of an image with that many digits.
 long accuracy_of(real::Interval const& image, unsigned digits);
 
-/// Of e^x, relatively, for |x| < 2^magnitude.
-Effort effort_of_exp(long magnitude, long accuracy);
+/// By how many bits less sines and cosines differ than angles that differ by 2^-accuracy, where
+/// they are from x.
+long flatness(real::Interval const& x, long accuracy);
 
-Effort effort_of_turn(long accuracy);
-Effort effort_of_atan(long accuracy);
+/// An s with |x|^n/n! > 2^-s.
+long smallness_of_term(QNumber const& x, long n);
 
-/// No halvings.
-Effort effort_of_pi(long accuracy);
-
-/// The bits of x^exponent = y for x and y from those intervals; what is exactly equal is seen to
-/// be.
-long bits_of_power(real::Interval const& x, QNumber const& exponent, real::Interval const& y,
-                   long accuracy);
+/// Whether powers of exact numbers prove that x^exponent lies in the image, in reasonable time.
+bool is_short_power(real::Interval const& x, QNumber const& exponent, real::Interval const& image);
 
 }  // namespace zelk::certify

@@ -16,34 +16,16 @@ using convert::to_string;
 using real::Interval;
 using real::Kind;
 
-std::vector<QNumber> numbers(Effort const& effort) {
-  return {effort.halvings, effort.terms, effort.bits};
-}
-
 std::string infix(Part const& a, char sign, Part const& b) {
   return "(" + a.text + " " + sign + " " + b.text + ")";
 }
 
-QNumber magnitude_below(QNumber const& exponent) {
-  constexpr long beyond = 1L << 31;
-  if (!(abs(numerator(exponent)) < beyond) || !(denominator(exponent) < beyond))
-    throw std::length_error("no certificate of a power with so long an exponent");
-  return exponent;
-}
-
-/// The multiple of pi/2 at or below x, if pi is known well enough.
-std::optional<QNumber> turns_of(QNumber const& x, Interval const& pi) {
-  auto const [least, greatest] = std::minmax({2 * x / pi.lower(), 2 * x / pi.upper()});
-  auto turns = floor(least);
-  if (!(floor(greatest) == turns)) return {};
-  return turns;
-}
-
 }  // namespace
 
-Part Maker::claim(std::string theorem, std::vector<QNumber> arguments,
+Part Maker::claim(std::string theorem, std::vector<long> const& arguments,
                   std::vector<Part> const& premises, std::string text, Interval const& bounds) {
-  verify::Claim made{std::move(theorem), std::move(arguments), {}, bounds.lower(), bounds.upper()};
+  verify::Claim made{std::move(theorem), {}, {}, bounds.lower(), bounds.upper()};
+  made.arguments.assign(arguments.begin(), arguments.end());
   for (auto const& premise : premises) made.premises.push_back(premise.claim);
   certificate.claims.push_back(std::move(made));
   return {certificate.claims.size(), std::move(text), bounds};
@@ -58,60 +40,26 @@ Part Maker::number(Interval const& x) {
   return claim("number", {}, {}, std::move(text), x);
 }
 
-Part Maker::pi(Interval const& bounds, unsigned digits) {
-  auto const effort = effort_of_pi(accuracy_of(bounds, digits));
-  return claim("pi_machin", {effort.terms, effort.bits}, {}, "pi", bounds);
-}
-
-Part Maker::call(std::string name, std::string theorem, std::vector<QNumber> arguments,
-                 std::vector<Part> const& premises, Interval const& image) {
-  auto text = std::move(name) + "(" + premises[0].text + ")";
-  return claim(std::move(theorem), std::move(arguments), premises, std::move(text), image);
-}
-
-/// One claim serves all that need no more.
-Part const& Maker::pi_of(long accuracy) {
-  if (!known_pi || pi_accuracy < accuracy) {
-    // log10 2 < 0.30103.
-    auto const digits = static_cast<unsigned>(accuracy * 30103 / 100000 + 1);
-    known_pi = pi(functions.pi(digits), digits);
-    pi_accuracy = accuracy;
-  }
-  return *known_pi;
-}
-
-Part Maker::turned(std::string const& name, Part const& x, Interval const& image, long accuracy) {
-  Interval const coarse(QNumber(333, 106), QNumber(355, 113));
-  auto first = turns_of(x.bounds.lower(), coarse), last = turns_of(x.bounds.upper(), coarse);
-  if (first == QNumber(0) && last == QNumber(0)) {
-    // Without turns, pi only has to show that there are none.
-    if (!known_pi) known_pi = pi(coarse, 0);
-  } else {
-    for (long needed = accuracy + magnitude(x.bounds) + 8;; needed *= 2) {
-      auto const& pi = pi_of(needed).bounds;
-      first = turns_of(x.bounds.lower(), pi);
-      last = turns_of(x.bounds.upper(), pi);
-      if (first && last) break;
-    }
-  }
-  auto const effort = effort_of_turn(accuracy);
-  return call(name, name + "_taylor", {*first, *last, effort.halvings, effort.terms, effort.bits},
-              {x, *known_pi}, image);
-}
-
-Part Maker::power(Part const& x, Part const& exponent, Interval const& image, unsigned digits) {
-  if (exponent.bounds.is_point()) {
-    auto const& n = exponent.bounds.lower();
-    long const bits =
-        bits_of_power(x.bounds, magnitude_below(n), image, accuracy_of(image, digits));
-    return claim("power", {std::max(bits, 8L)}, {x, exponent}, infix(x, '^', exponent), image);
-  }
-  // As it was found: by a logarithm of so many digits.
-  auto const logarithm = combined(Kind::log, {x}, functions.log(x.bounds, digits), digits);
-  auto const product =
-      combined(Kind::product, {exponent, logarithm}, exponent.bounds * logarithm.bounds, digits);
+/// Of numbers that are short for that by their powers, otherwise by the logarithm.
+Part Maker::power(Kind kind, Part const& x, Part const& y, Interval const& image, unsigned digits) {
+  bool const is_root = kind == Kind::root;
+  auto const name = std::string(is_root ? "root" : "power");
+  auto text = is_root ? "root(" + x.text + ", " + y.text + ")" : infix(x, '^', y);
+  auto const& exponent = y.bounds.lower();
+  if (y.bounds.is_point() && is_short_power(x.bounds, exponent, image))
+    return claim(is_root ? "root_by_power" : name, {}, {x, y}, std::move(text), image);
+  if (x.bounds.lower().sign() <= 0)
+    throw std::length_error("no certificate of so great a power of what is not positive");
+  // What of the logarithm is unknown is multiplied by the exponent and by the value. log10 2 <
+  // 0.30103.
+  auto const factor = is_root ? Interval(exponent.inv()) : y.bounds;
+  long const bits = accuracy_of(image, digits) + magnitude(image) + magnitude(factor) + 4;
+  auto const log_digits = static_cast<unsigned>(bits * 30103 / 100000 + 1);
+  auto const log = combined(Kind::log, {x}, functions.log(x.bounds, log_digits), log_digits);
+  auto const product = is_root ? combined(Kind::quotient, {log, y}, log.bounds * factor, log_digits)
+                               : combined(Kind::product, {y, log}, factor * log.bounds, log_digits);
   auto const value = combined(Kind::exp, {product}, image, digits);
-  return claim("power_by_exp", {}, {x, exponent, value}, infix(x, '^', exponent), image);
+  return claim(name + "_by_exp", {}, {x, y, value}, std::move(text), image);
 }
 
 Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& image,
@@ -120,18 +68,8 @@ Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& imag
   auto const& x = operands.empty() ? none : operands.front();
   auto const& y = operands.empty() ? none : operands.back();
   long const accuracy = accuracy_of(image, digits);
-  auto const call_by_exp = [&](std::string const& name, long bits) {
-    return call(name, name + "_taylor",
-                numbers(effort_of_exp(magnitude(x.bounds) + 1, accuracy + bits)), {x}, image);
-  };
-  auto const call_by_atan = [&](std::string const& name) {
-    return call(name, name + "_series", numbers(effort_of_atan(accuracy + 2)), {x}, image);
-  };
-  auto const root_of = [&](Part const& degree) {
-    long const bits =
-        bits_of_power(x.bounds, magnitude_below(degree.bounds.lower()).inv(), image, accuracy);
-    return claim("root_by_power", {std::max(bits, 8L)}, {x, degree},
-                 "root(" + x.text + ", " + degree.text + ")", image);
+  auto const call = [&](std::string const& name, char const* way, long extra_bits) {
+    return claim(name + way, {accuracy + extra_bits}, {x}, name + "(" + x.text + ")", image);
   };
   switch (kind) {
     case Kind::number:
@@ -139,7 +77,7 @@ Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& imag
     case Kind::variable:
       break;
     case Kind::pi:
-      return pi(image, digits);
+      return claim("pi_by_sin", {accuracy + 4}, {}, "pi", image);
     case Kind::e:
       return combined(Kind::exp, {number(1)}, image, digits);
     case Kind::negative:
@@ -153,34 +91,36 @@ Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& imag
     case Kind::quotient:
       return claim("quotient", {}, {x, y}, infix(x, '/', y), image);
     case Kind::power:
-      return power(x, y, image, digits);
-    case Kind::exp:
-      return call_by_exp("exp", magnitude(image));
-    case Kind::log:
-      return call("log", "log_by_exp", numbers(effort_of_exp(magnitude(image), accuracy + 4)), {x},
-                  image);
     case Kind::root:
-      return root_of(y);
+      return power(kind, x, y, image, digits);
     case Kind::sqrt:
-      return root_of(number(2));
+      return power(Kind::root, x, number(2), image, digits);
+    case Kind::exp:
+      return call("exp", "_taylor", magnitude(image) + 4);
+    case Kind::log: {
+      // Less than the logarithm itself tells nothing of an exponential.
+      auto const size = std::max(-image.lower(), image.upper());
+      long const greatest = mpz_get_si(ceil(size).numerator());
+      return call("log", "_by_exp", 4 + std::max(0L, greatest - accuracy));
+    }
     case Kind::sin:
-      return turned("sin", x, image, accuracy);
+      return call("sin", "_taylor", 4);
     case Kind::cos:
-      return turned("cos", x, image, accuracy);
+      return call("cos", "_taylor", 4);
     case Kind::tan:
-      return turned("tan", x, image, accuracy + 2 * magnitude(image) + 8);
+      return call("tan", "_taylor", 2 * magnitude(image) + 8);
     case Kind::atan:
-      return call_by_atan("atan");
+      return call("atan", "_by_tan", 4);
     case Kind::asin:
-      return call_by_atan("asin");
+      return call("asin", "_by_sin", flatness(x.bounds, accuracy) + 4);
     case Kind::acos:
-      return call_by_atan("acos");
+      return call("acos", "_by_cos", flatness(x.bounds, accuracy) + 4);
     case Kind::sinh:
-      return call_by_exp("sinh", magnitude(image) + 2);
+      return call("sinh", "_taylor", magnitude(image) + 4);
     case Kind::cosh:
-      return call_by_exp("cosh", magnitude(image) + 2);
+      return call("cosh", "_taylor", magnitude(image) + 4);
     case Kind::tanh:
-      return call_by_exp("tanh", 4);
+      return call("tanh", "_taylor", 6);
   }
   throw std::invalid_argument("the variable x has no value");
 }

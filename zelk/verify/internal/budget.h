@@ -21,15 +21,10 @@ class Budget {
  public:
   explicit Budget(Limits const& limits) : left(limits.work) {}
 
-  /// To be called before work.
-  void spend(double units) {
-    left -= units;
+  /// Counts so many products and divisions of so many bits, before they are done.
+  void spend(double products, double bits, double divisions = 0) {
+    left -= products * bits * std::floor(std::sqrt(bits)) + std::floor(divisions * bits * bits / 8);
     need(left >= 0, "too much work");
-  }
-
-  /// So many products and divisions of so many bits.
-  void spend_products(double count, double bits, double divisions = 0) {
-    spend(count * bits * std::floor(std::sqrt(bits)) + std::floor(divisions * bits * bits / 8));
   }
 
  private:

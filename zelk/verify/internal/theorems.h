@@ -1,12 +1,12 @@
 #pragma once
 
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "zelk/numbers/q_number.h"
 #include "zelk/verify/internal/budget.h"
+#include "zelk/verify/internal/series.h"
 
 namespace zelk::verify {
 
@@ -15,15 +15,15 @@ struct Known {
   std::string text;  // what it is about
   QNumber lower;
   QNumber upper;
-  double bits;  // of all its numbers
+  double bits;  // of its ends
 };
 
 /// What a theorem is given for a claim.
 struct Case {
-  std::span<QNumber const> arguments;
   std::vector<Known const*> premises;
   QNumber const& lower;
   QNumber const& upper;
+  Series series;  // to as many bits as the argument says
   Budget& budget;
 };
 
@@ -35,7 +35,7 @@ struct Theorem {
   std::string_view text;  // with # for those of the premises in turn
 
   /// Whether it gives the claim. Throws: Rejected.
-  bool (*follows)(Case const& claim);
+  bool (*follows)(Case& claim);
 };
 
 /// Null if there is none of that name.
