@@ -81,7 +81,7 @@ class Reader {
   QNumber number(std::string_view word) {
     auto const slash = std::min(word.find('/'), word.size());
     work_left -= static_cast<double>(word.size()) * static_cast<double>(word.size());
-    if (work_left < 0) throw NoCertificate("longer than allowed");
+    if (work_left < 0) throw NoCertificate("too much work");
     mpq_t q;
     mpq_init(q);
     mpq_set_str(q, std::string(word).c_str(), 10);

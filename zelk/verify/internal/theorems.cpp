@@ -107,18 +107,13 @@ bool pi(Case& claim) {
          claim.series.surely(sin_function, claim.upper, -1, 0);
 }
 
-template <Function const& function>
+/// Functions that grow, even ones with |x|.
+template <Function const& function, bool is_even = false>
 bool growing(Case& claim) {
-  auto const& x = *claim.premises[0];
-  return claim.series.surely(function, x.lower, 1, claim.lower) &&
-         claim.series.surely(function, x.upper, -1, claim.upper);
-}
-
-bool cosh(Case& claim) {
-  auto const& x = *claim.premises[0];
-  auto const nearest = std::max({x.lower, -x.upper, QNumber(0)});
-  return claim.series.surely(cosh_function, nearest, 1, claim.lower) &&
-         claim.series.surely(cosh_function, std::max(-x.lower, x.upper), -1, claim.upper);
+  auto const& [text, a, b, bits] = *claim.premises[0];
+  return claim.series.surely(function, is_even ? std::max({a, -b, QNumber(0)}) : a, 1,
+                             claim.lower) &&
+         claim.series.surely(function, is_even ? std::max(-a, b) : b, -1, claim.upper);
 }
 
 /// The slope is sign * slope. In pieces up to 3 < pi it changes its sign once at most, at an
@@ -206,7 +201,7 @@ constexpr std::array theorems = {
     Theorem{"pi_by_sin", 0, 1, "pi", pi},
     Theorem{"exp_taylor", 1, 1, "exp(#)", growing<exp_function>},
     Theorem{"sinh_taylor", 1, 1, "sinh(#)", growing<sinh_function>},
-    Theorem{"cosh_taylor", 1, 1, "cosh(#)", cosh},
+    Theorem{"cosh_taylor", 1, 1, "cosh(#)", growing<cosh_function, true>},
     Theorem{"tanh_taylor", 1, 1, "tanh(#)", growing<tanh_function>},
     Theorem{"sin_taylor", 1, 1, "sin(#)", wave<sin_function, cos_function, 1>},
     Theorem{"cos_taylor", 1, 1, "cos(#)", wave<cos_function, sin_function, -1>},
