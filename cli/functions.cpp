@@ -232,11 +232,7 @@ Proven prove_eval(Query const& query, Approximators& approximators) {
 
 std::string goal_of_eval(Query const& query, Answer const& answer) {
   auto const& [lower, upper] = std::get<Evaluation>(answer).bounds;
-  try {
-    return certify::to_coq(query.expressions[0], real::Interval(lower, upper), *query.digits);
-  } catch (std::domain_error const& error) {
-    refuse(query, *query.words[0], error.what());
-  }
+  return certify::to_coq(query.expressions[0], real::Interval(lower, upper), *query.digits);
 }
 
 /// `certify` makes a certificate of the bounds, and `certify_companion` one of their companions.

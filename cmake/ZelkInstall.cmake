@@ -1,5 +1,5 @@
 # What `cmake --install` makes, in three parts: component `runtime` is what finished programs need,
-# `development` what it takes to compile one, `tools` the command. It works wherever it is put, or
+# `development` what it takes to compile one, `tools` the command and the checker of certificates. It works wherever it is put, or
 # moved to as a whole.
 
 include(CMakePackageConfigHelpers)
@@ -42,7 +42,12 @@ endforeach()
 if(ZELK_BUILD_CLI)
   install(TARGETS zelk_cli COMPONENT tools)
   install(
-    FILES "${PROJECT_BINARY_DIR}/cli/zelk.1"
+    PROGRAMS "${PROJECT_SOURCE_DIR}/scripts/check_certificate"
+    DESTINATION "${CMAKE_INSTALL_BINDIR}"
+    RENAME zelk-check-certificate
+    COMPONENT tools)
+  install(
+    FILES "${PROJECT_BINARY_DIR}/cli/zelk.1" "${PROJECT_SOURCE_DIR}/docs/zelk-check-certificate.1"
     DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
     COMPONENT tools)
   install(

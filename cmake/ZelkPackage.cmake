@@ -47,6 +47,7 @@ if(ZELK_BUILD_CLI)
   set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME zelk)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION math)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS python3)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS gnuplot)
   set(CPACK_DEBIAN_TOOLS_DESCRIPTION
       "exact rational numbers and their approximation - command${about}")

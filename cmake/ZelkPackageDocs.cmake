@@ -17,7 +17,12 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     "  * CHANGELOG.md in the sources says what this version brings.\n\n"
     " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
   if(component STREQUAL "tools")
-    file(COPY "${CMAKE_CURRENT_LIST_DIR}/../docs/command.md" DESTINATION "${doc}")
+    file(COPY "${CMAKE_CURRENT_LIST_DIR}/../docs/command.md"
+              "${CMAKE_CURRENT_LIST_DIR}/../docs/certificates.md" DESTINATION "${doc}")
+    # Debian's own Python runs its scripts.
+    execute_process(
+      COMMAND sed -i "1s|/usr/bin/env python3|/usr/bin/python3|"
+              "${share}/../bin/zelk-check-certificate" COMMAND_ERROR_IS_FATAL ANY)
   endif()
   file(GLOB pages "${share}/man/*/*")
   execute_process(COMMAND gzip -9n "${doc}/changelog" ${pages} COMMAND_ERROR_IS_FATAL ANY)

@@ -29,8 +29,9 @@ rm -rf build
 mv made moved
 ! grep -rF "$work/made" moved || die 'an installation names the place where it was made'
 
-# With the command come its manual and its completion, and without it neither.
-printf 'static/%s\n' bin/zelk share/{bash-completion/completions/zelk,man/man1/zelk.1} >tools
+# With the command come the checker of certificates, their manuals and its completion, and without it none.
+printf 'static/%s\n' bin/zelk{,-check-certificate} \
+  share/{bash-completion/completions/zelk,man/man1/zelk{,-check-certificate}.1} | sort >tools
 find moved/*/{bin,share} -type f -size +0 -printf '%H/%P\n' 2>/dev/null | cut -d/ -f2- | sort |
   diff -u tools - || die 'not the command and its papers'
 

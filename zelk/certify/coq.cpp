@@ -60,10 +60,11 @@ class Goal {
         return quotient;
       }
       case Kind::power:
-        return power(x, y.value);
-      case Kind::root:
-        return power(x,
-                     y.value && !y.value->is_zero() ? std::optional(y.value->inv()) : std::nullopt);
+        return power(x, y);
+      case Kind::root: {
+        Term const inverse{"(/ " + y.text + ")", {}};
+        return power(x, y.value && !y.value->is_zero() ? number(y.value->inv()) : inverse);
+      }
       case Kind::exp:
         return call("exp", x);
       case Kind::log:
@@ -79,8 +80,9 @@ class Goal {
       case Kind::atan:
         return call("atan", x);
       case Kind::asin:
+        return arc("asin", x);
       case Kind::acos:
-        throw std::domain_error("asin and acos are unknown to the tactic");
+        return arc("acos", x);
       case Kind::sinh:
         return call("sinh", x);
       case Kind::cosh:
@@ -94,6 +96,19 @@ class Goal {
   /// What ranges over the intervals.
   std::string const& quantifiers() const { return premises; }
 
+  /// What makes the goal one of functions that the tactic knows, with its parameters in it.
+  std::string preparation(std::string const& parameters) const {
+    std::string text = "intros; unfold Rpower, sinh, cosh, tanh";
+    if (has_arcs) {
+      auto const rewrite = [&](char const* lemma) {
+        return std::string("; repeat rewrite ") + lemma + " by (split; interval" + parameters + ")";
+      };
+      text += rewrite("acos_asin") + "; rewrite ?asin_opp, ?asin_1" + rewrite("asin_atan") +
+              "; unfold Rsqr";
+    }
+    return text;
+  }
+
  private:
   static Term infix(Term const& x, char sign, Term const& y) {
     return {"(" + x.text + " " + sign + " " + y.text + ")", {}};
@@ -101,15 +116,27 @@ class Goal {
   static Term call(char const* name, Term const& x) {
     return {std::string("(") + name + " " + x.text + ")", {}};
   }
-  static Term power(Term const& x, std::optional<QNumber> const& exponent) {
-    if (!exponent) throw std::domain_error("an exponent that is not written as a number");
-    if (!exponent->is_integer()) return {"(Rpower " + x.text + " " + literal(*exponent) + ")", {}};
-    auto const size = "(" + x.text + " ^ " + to_string(abs(*exponent)) + ")";
-    return {exponent->sign() < 0 ? "(/ " + size + ")" : size, {}};
+  static Term power(Term const& x, Term const& y) {
+    if (!y.value || !y.value->is_integer()) {
+      // Coq's power of what is not positive is another.
+      bool const is_odd_root = y.value && x.value && x.value->sign() < 0;
+      auto const& base = is_odd_root ? literal(-*x.value) : x.text;
+      auto const size = "(Rpower " + base + " " + y.text + ")";
+      return {is_odd_root ? "(- " + size + ")" : size, {}};
+    }
+    auto const size = "(" + x.text + " ^ " + to_string(abs(*y.value)) + ")";
+    return {y.value->sign() < 0 ? "(/ " + size + ")" : size, {}};
+  }
+
+  /// -1 is written so that lemmas on opposites apply.
+  Term arc(char const* name, Term const& x) {
+    has_arcs = true;
+    return call(name, x.value == QNumber(-1) ? Term{"(-(1))", {}} : x);
   }
 
   std::string premises;
   unsigned variables = 0;
+  bool has_arcs = false;
 };
 
 }  // namespace
@@ -132,14 +159,13 @@ std::string to_coq(real::Expression const& expression, Interval const& bounds, u
   }
   // log2 10 < 3.322; some bits for the errors of the steps.
   auto const bits = std::to_string(digits * 3322UL / 1000 + 40);
+  auto const parameters = " with (i_prec " + bits + ")";
   return "From Coq Require Import Reals.\nFrom Interval Require Import Tactic.\nOpen Scope "
          "R_scope.\n"
          "Goal " +
          goal.quantifiers() + literal(bounds.lower()) + " <= " + terms.back().text +
-         " <= " + literal(bounds.upper()) +
-         ".\n"
-         "Proof.\n  intros; unfold Rpower, sinh, cosh, tanh; interval with (i_prec " +
-         bits + ").\nQed.\n";
+         " <= " + literal(bounds.upper()) + ".\nProof.\n  " + goal.preparation(parameters) +
+         "; interval" + parameters + ".\nQed.\n";
 }
 
 }  // namespace zelk::certify

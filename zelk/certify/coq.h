@@ -1,6 +1,5 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 
 #include "zelk/config.h"
@@ -13,8 +12,9 @@ namespace zelk::certify {
 /// (package coq-interval) proves, computing with about `digits` digits. Intervals in the expression
 /// become variables that range over them.
 ///
-/// Throws: std::domain_error for asin and acos, which the tactic does not know, and for powers and
-/// roots whose exponent is no number written as such, a quotient of integers, or its negative.
+/// The tactic does not prove all: arc sines and cosines are told by arc tangents, which tells too
+/// little of intervals of them, and a power of what may be 0 or negative is none in Coq, unless the
+/// exponent is an integer.
 ZELK_EXPORT std::string to_coq(real::Expression const& expression, real::Interval const& bounds,
                                unsigned digits);
 
