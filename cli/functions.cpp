@@ -239,13 +239,12 @@ std::string goal_of_eval(Query const& query, Answer const& answer) {
 template <auto& solve, auto& certify, auto& certify_companion>
 Proven prove_sum(Query const& query, Approximators& approximators) {
   auto const bounds = std::get<Bounds>(solve(query, approximators));
-  bool const is_companion = query.kind == Query::derivative;
+  constexpr decltype(&certify) makers[] = {certify, certify_companion};
   // Short bounds hold those of one digit more.
   unsigned const digits = *query.digits + (query.kind == Query::shortened ? 1 : 0);
   auto const [lower, upper] = std::minmax(bounds.first, bounds.second);
-  return {bounds,
-          (is_companion ? certify_companion : certify)(approximators.series, query.numbers[0],
-                                                       digits, real::Interval(lower, upper))};
+  return {bounds, makers[query.kind == Query::derivative](approximators.series, query.numbers[0],
+                                                          digits, real::Interval(lower, upper))};
 }
 
 Proven prove_pi(Query const& query, Approximators& approximators) {

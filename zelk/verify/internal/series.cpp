@@ -60,7 +60,8 @@ Series::Point const& Series::at(QNumber const& x, bool is_circular) {
   long const halvings = std::max(magnitude + shrink, 0L);
   long const b = bits + 2 * halvings + Whole(bits + halvings).bits() + 8;
   long const size = b + (is_circular ? 0 : 2L << std::max(magnitude, 0L));
-  budget.spend(static_cast<double>(4 * (halvings + b / shrink) + 64), static_cast<double>(size));
+  long const products = 4 * (halvings + b / shrink) + 64;
+  budget.spend(static_cast<double>(products), static_cast<double>(size));
   budget.spend(0, static_cast<double>(b + p.bits() + q.bits()), 1);
 
   // y = |x|/2^halvings is doubled again.
