@@ -1,15 +1,11 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <fstream>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tests/certify/judge.h"
 #include "tests/support/random_number.h"
 #include "zelk/approx/cosine.h"
 #include "zelk/approx/short_bounds.h"
@@ -17,8 +13,6 @@
 #include "zelk/certify/write.h"
 #include "zelk/numbers/functions.h"
 #include "zelk/real/parse.h"
-#include "zelk/verify/read.h"
-#include "zelk/verify/verify.h"
 
 namespace zelk::certify {
 
@@ -26,51 +20,8 @@ namespace {
 
 using real::Accuracy;
 using real::Interval;
+using test::judge_by_both;
 using verify::Certificate;
-
-std::string judge(std::string_view lines) {
-  try {
-    auto const verdict = verify::verify(verify::read_certificate(lines));
-    return verdict.is_accepted
-               ? "accepted: " + verdict.statement
-               : "rejected: claim " + std::to_string(verdict.claim) + ": " + verdict.reason;
-  } catch (verify::NoCertificate const& error) {
-    return std::string("no certificate: ") + error.what();
-  }
-}
-
-/// The verdicts on the certificates of each text, after they have been found to be the same of the
-/// other checker, word for word, with its exit status.
-std::vector<std::string> judge_by_both(std::vector<std::string> const& texts) {
-  std::string command = CHECK_CERTIFICATE;
-  std::vector<std::string> paths;
-  for (auto const& text : texts) {
-    paths.push_back(testing::TempDir() + "zelk_" + std::to_string(getpid()) + "_" +
-                    std::to_string(paths.size()));
-    std::ofstream(paths.back()) << text;
-    command += " '" + paths.back() + "'";
-  }
-  auto* const pipe = popen(command.c_str(), "r");
-  std::string output;
-  for (int c = 0; (c = std::fgetc(pipe)) != EOF;) output += static_cast<char>(c);
-  int const status = WEXITSTATUS(pclose(pipe));
-  for (auto const& path : paths) std::remove(path.c_str());
-
-  std::vector<std::string> verdicts;
-  std::istringstream lines(output);
-  int worst = 0;
-  for (std::string_view text : texts) do {
-      auto const one = verify::next_certificate(text);
-      verdicts.push_back(judge(one));
-      std::string line;
-      std::getline(lines, line);
-      EXPECT_EQ(verdicts.back(), line) << one.substr(0, 2000);
-      int const verdict = line.starts_with("accepted") ? 0 : line.starts_with("rejected") ? 1 : 2;
-      worst = std::max(worst, verdict);
-    } while (!text.empty());
-  EXPECT_EQ(status, worst);
-  return verdicts;
-}
 
 /// Random questions of every kind.
 class Questions {
@@ -262,83 +213,6 @@ TEST(Certificates, TamperedWithAreRejectedUnlessTrue) {
   }
   EXPECT_GT(accepted, 0U);
   EXPECT_LT(2 * accepted, all.size());
-}
-
-TEST(Certificates, AreSpelledInOneWayAndRefusedBeforeTheWork) {
-  std::string const first = R"({"certificate":"1","claims":"1","statement":")";
-  std::string const claim = R"({"theorem":"number","arguments":[],"premises":[],"lower":")";
-  auto const about = [&](std::string const& a, std::string const& b) {
-    return first + "[" + a + ", " + b + "]\"}\n" + claim + a + R"(","upper":")" + b + "\"}\n";
-  };
-  auto const by = [&](std::string const& theorem, std::string const& arguments) {
-    return R"({"certificate":"1","claims":"2","statement":"f"})"
-           "\n" +
-           claim +
-           R"(1","upper":"1"})"
-           "\n"
-           R"({"theorem":")" +
-           theorem + R"(","arguments":[)" + arguments +
-           R"(],"premises":["1"],"lower":"0","upper":"9"})"
-           "\n";
-  };
-  std::string const misspelled = "no certificate: a line that is not spelled as it should be";
-  std::string const unreduced = "no certificate: a number that is not in lowest terms";
-  struct {
-    std::string lines;
-    std::string verdict;
-  } const table[] = {
-      {about("-1/2", "3"), "accepted: [-1/2, 3] in [-1/2, 3]"},
-      {about("3", "-1/2"), "rejected: claim 1: ends in the wrong order"},
-      {about("2/4", "3"), unreduced},
-      {about("1/1", "3"), unreduced},
-      {about("0/2", "3"), unreduced},
-      {about("-0", "3"), misspelled},
-      {about("+1", "3"), misspelled},
-      {about("01", "3"), misspelled},
-      {about("1/0", "3"), misspelled},
-      {about("1/-2", "3"), misspelled},
-      {about("1 ", "3"), misspelled},
-      {about("", "3"), misspelled},
-      {about("1e3", "3000"), misspelled},
-      {about("\xd9\xa1", "3"), misspelled},
-      {about("\\u0031", "3"), misspelled},
-      {about("1", std::string(2000000, '9')), "no certificate: too much work"},
-      {"", misspelled},
-      {"\n", misspelled},
-      {first, misspelled},
-      {first + "1\"}\n", "no certificate: wrong number of claims"},
-      {first + "1\"}\n" + claim + "1\", \"upper\":\"1\"}\n", misspelled},
-      {first + "1\"}\n" + claim + "1\",\"upper\":1}\n", misspelled},
-      {first + "1\"}\n" + claim + "1\",\"upper\":\"1\",\"upper\":\"1\"}\n", misspelled},
-      {first + "1\"}\r\n" + claim + "1\",\"upper\":\"1\"}\n", misspelled},
-      {first + "1\"}\n" + claim + "1\",\"upper\":\"1\"}\n\n",
-       "no certificate: wrong number of claims"},
-      {first + "1\"}\n" + claim + "1\",\"upper\":\"1\"}", "accepted: 1 in [1, 1]"},
-      {first + "2\"}\n" + claim + "1\",\"upper\":\"1\"}",
-       "rejected: claim 1: is not what the first line states"},
-      {R"({"certificate":"2","claims":"1","statement":"1"})"
-       "\n" +
-           claim + "1\",\"upper\":\"1\"}",
-       "no certificate: an unknown version"},
-      {by("exp_taylor", R"("16777217")"), "rejected: claim 2: an argument out of range"},
-      {by("exp_taylor", R"("7")"), "rejected: claim 2: an argument out of range"},
-      {by("exp_taylor", R"("16777216")"), "rejected: claim 2: too much work"},
-      {by("exp_taylor", R"("9999999999")"), misspelled},
-      {by("exp_taylor", R"("1/2")"), misspelled},
-      {by("exp_taylor", R"("-9")"), misspelled},
-      {by("exp_taylor", R"(true)"), misspelled},
-      {by("exp_taylor", R"("9","9","9","9")"), misspelled},
-      {by("exp_taylor", R"("9","9")"), "rejected: claim 2: wrong number of arguments"},
-      {by("sum", ""), "rejected: claim 2: wrong number of premises"},
-      {by("number", ""), "rejected: claim 2: wrong number of premises"},
-      {by("", ""), "rejected: claim 2: an unknown theorem"},
-  };
-  std::vector<std::string> texts, expected;
-  for (auto const& [lines, verdict] : table) {
-    texts.push_back(lines);
-    expected.push_back(verdict);
-  }
-  EXPECT_EQ(judge_by_both(texts), expected);
 }
 
 }  // namespace
