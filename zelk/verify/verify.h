@@ -11,7 +11,7 @@
 namespace zelk::verify {
 
 /// What a certificate may take, in units: a product of numbers with b bits counts b^(3/2), and a
-/// division b^2/8. What would take more is refused before the work.
+/// division or a greatest common divisor b^2/8. What would take more is refused before the work.
 struct Limits {
   double work = 1099511627776;  // 2^40
 };

@@ -180,7 +180,7 @@ bool acos(Case& claim) {
   auto const& x = *claim.premises[0];
   auto const &l = claim.lower, &u = claim.upper;
   auto& series = claim.series;
-  return lies_in(x, -1, 1) && !(6 < l) && u.sign() >= 0 && !(6 < u) &&
+  return lies_in(x, -1, 1) && u.sign() >= 0 && !(6 < u) &&
          (l.sign() <= 0 || ((!(3 < l) || series.surely(sin_function, l, 1, 0)) &&
                             series.surely(cos_function, l, 1, x.upper))) &&
          ((!(u < 3) && series.surely(sin_function, u, -1, 0)) ||
