@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <numeric>
+#include <random>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include "zelk/numbers/q_number.h"
 
@@ -64,6 +68,72 @@ TEST(GcdCache, GainsWhatEachOperationCancelsBy) {
   EXPECT_EQ(gained([&] { return seven_thirds.self_decompose(); }), (Pairs{{1, 3}}));
   EXPECT_EQ(gained([&] { return half + third; }), (Pairs{{2, 3}, {1, 5}}));
   EXPECT_EQ(gained([&] { return third < two_thirds; }), (Pairs{{1, 2}, {3, 3}}));
+}
+
+/// The table that operations on words leave, by the definition.
+struct Plain {
+  __extension__ using Wide = __int128;
+  static constexpr long row = gcd_cache_limit + 1;
+
+  long descend(long a, long b) {
+    for (a = std::labs(a), b = std::labs(b); b != 0; a = std::exchange(b, a % b)) {
+      if (std::max(a, b) > gcd_cache_limit) continue;
+      if (table[a * row + b] != 0) return table[a * row + b];
+      table[a * row + b] = table[b * row + a] = std::gcd(a, b);
+    }
+    return a;
+  }
+  void operate(char op, long an, long ad, long bn, long bd) {
+    if (op == '/') descend(bd, bn), std::swap(bn, bd), bd = std::labs(bd);
+    bool const decided = op == '<' && (an < 0 ? bn >= 0 : bn <= 0);
+    if (decided || (ad == 1 && bd == 1)) return;
+    if (op == '<') descend(an, bn), descend(bd, ad);
+    if (op == '*' || op == '/') descend(an, bd), descend(bn, ad);
+    if (op != '+') return;
+    long const g = descend(ad, bd);
+    auto const fits = [](Wide n) { return -LONG_MAX <= n && n <= LONG_MAX; };
+    Wide const x = Wide(an) * (bd / g), y = Wide(bn) * (ad / g);
+    if (fits(x) && fits(y) && fits(x + y)) descend(static_cast<long>(x + y), g);
+  }
+
+  std::vector<long> table = std::vector<long>(row * row);
+};
+
+TEST(GcdCache, GainsWhatPlainDescentsDo) {
+  std::mt19937_64 random(7);
+  auto const word = [&] { return static_cast<long>(random() >> (1 + random() % 63)); };
+  auto const number = [&] { return QNumber(random() % 2 == 0 ? word() : -word(), word() | 1); };
+  for (int round = 0; round < 9; ++round) {
+    std::vector<std::pair<QNumber, QNumber>> operands(64 << 2 * (round / 3));
+    for (auto& [a, b] : operands) a = number(), b = random() % 8 == 0 ? a : number();
+    operands[0] = {{70001, 30011}, {50021, 90001}};
+    // From an empty table; from one that lacks only pairs of equals; from one cleared after that.
+    std::memset(gcd_cache, 0, sizeof gcd_cache);
+    if (round % 3 != 0) {
+      for (long b = 1; b <= gcd_cache_limit; ++b)
+        for (long a = 1; a < b; ++a) gcd_cache[a][b] = gcd_cache[b][a] = std::gcd(a, b);
+      gcd_cache[3][5] = gcd_cache[5][3] = 0;
+      EXPECT_EQ(QNumber(10, 6), QNumber(5, 3));
+      EXPECT_TRUE(detail::is_table_complete());
+    }
+    if (round % 3 == 2) std::memset(gcd_cache, 0, sizeof gcd_cache);
+    Plain plain;
+    std::copy_n(&gcd_cache[0][0], plain.table.size(), plain.table.begin());
+    for (auto const& [a, b] : operands) {
+      char const op = "<+*/"[&a == &operands[0].first || b.is_zero() ? 0 : random() % 4];
+      op == '<' ? void(a < b) : op == '+' ? void(a + b) : op == '*' ? void(a * b) : void(a / b);
+      plain.operate(op, a.small_numerator(), a.small_denominator(), b.small_numerator(),
+                    b.small_denominator());
+    }
+    ASSERT_EQ(std::memcmp(plain.table.data(), gcd_cache, sizeof gcd_cache), 0) << round;
+  }
+}
+
+TEST(GcdCache, IsFilledByRequest) {
+  fill_gcd_cache();
+  for (long a = 0; a <= gcd_cache_limit; ++a)
+    for (long b = 0; b <= gcd_cache_limit; ++b) ASSERT_EQ(gcd_cache[a][b], std::gcd(a, b));
+  EXPECT_TRUE(detail::is_table_complete());
 }
 
 }  // namespace

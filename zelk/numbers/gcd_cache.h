@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cassert>
+#include <cstddef>
+#include <tuple>
 
 #include "zelk/config.h"
 
@@ -15,6 +18,11 @@ inline constexpr long gcd_cache_limit = 1023;
 /// All threads fill it, by relaxed atomic accesses: whoever writes a cell writes the same gcd. A
 /// host may read it and add entries, while other threads compute likewise by `std::atomic_ref`.
 ZELK_EXPORT extern long gcd_cache[gcd_cache_limit + 1][gcd_cache_limit + 1];
+
+/// Enters all gcds, except that of 0 and 0, which is none. Once they are there, comparing small
+/// numbers takes two products and no gcd: for hosts that are going to compare many millions.
+/// No answer depends on it. Cost: some milliseconds, once, and the 8 MiB of the table.
+ZELK_EXPORT void fill_gcd_cache();
 
 namespace detail {
 
@@ -41,6 +49,43 @@ inline long cached_gcd(long a, long b) {
     a = b;
     b = remainder;
   }
+}
+
+/// Two words whose gcd is wanted, as `cached_gcd` takes them.
+struct WordPair {
+  bool is_in_table() const { return (a | b) <= gcd_cache_limit; }
+
+  long a, b;
+};
+
+/// What `cached_gcd` of one pair after the other returns and enters, by descents that take their
+/// steps together, so that no division waits for that of another. For two or three pairs.
+template <std::size_t n>
+ZELK_EXPORT std::array<long, n> descend_together(std::array<WordPair, n> pairs);
+
+/// The same, when nearly always the table knows all.
+template <class... Pairs>
+std::array<long, sizeof...(Pairs)> cached_gcds(Pairs const&... pairs) {
+  if ((pairs.is_in_table() && ...)) {
+    std::array<long, sizeof...(Pairs)> const known = {
+        __atomic_load_n(&gcd_cache[pairs.a][pairs.b], __ATOMIC_RELAXED)...};
+    if (std::apply([](auto... gcds) { return ((gcds != 0) && ...); }, known)) return known;
+  }
+  return descend_together(std::array{pairs...});
+}
+
+/// Whether every pair 1 <= a < b has been seen in the table.
+ZELK_EXPORT extern bool has_all_gcds;
+
+/// The same, and that the table has not been cleared since, as its first pair shows.
+inline bool is_table_complete() {
+  return __atomic_load_n(&has_all_gcds, __ATOMIC_RELAXED) &&
+         __atomic_load_n(&gcd_cache[2][1], __ATOMIC_RELAXED) != 0;
+}
+
+/// Enters what `cached_gcds` would. A descent from beyond the table passes pairs a > b >= 1 there.
+inline void enter_gcds(WordPair const& x, WordPair const& y) {
+  if (x.is_in_table() || y.is_in_table() || !is_table_complete()) cached_gcds(x, y);
 }
 
 }  // namespace detail

@@ -11,8 +11,6 @@
 
 namespace zelk {
 
-constinit long gcd_cache[gcd_cache_limit + 1][gcd_cache_limit + 1] = {};
-
 namespace {
 
 using detail::scratch;
@@ -66,19 +64,35 @@ void multiply(mpz_ptr n, mpz_ptr d, mpz_srcptr an, mpz_srcptr ad, mpz_srcptr bn,
 
 bool fits_word(mpz_srcptr n) { return mpz_fits_slong_p(n) != 0 && mpz_get_si(n) != LONG_MIN; }
 
+/// A read-only integer of two words.
+class WideView {
+ public:
+  __extension__ using DoubleWord = __int128;
+
+  explicit WideView(DoubleWord n) {
+    __extension__ using Magnitude = unsigned __int128;
+    Magnitude const magnitude = n < 0 ? -static_cast<Magnitude>(n) : static_cast<Magnitude>(n);
+    limbs[0] = static_cast<mp_limb_t>(magnitude);
+    limbs[1] = static_cast<mp_limb_t>(magnitude >> GMP_NUMB_BITS);
+    mpz_roinit_n(own, limbs, n < 0 ? -2 : 2);
+  }
+  WideView(WideView const&) = delete;
+  WideView& operator=(WideView const&) = delete;
+  ~WideView() = default;
+
+  operator mpz_srcptr() const { return own; }
+
+ private:
+  mp_limb_t limbs[2];
+  mpz_t own;
+};
+
 /// Throws: std::domain_error when the divisor is 0.
 void require_divisor(mpz_srcptr divisor) {
   if (mpz_sgn(divisor) == 0) throw std::domain_error("division by zero");
 }
 
 }  // namespace
-
-void detail::remember_gcd(long a, long b) {
-  assert(0 <= a && a <= gcd_cache_limit && 1 <= b && b <= gcd_cache_limit);
-  long const gcd = std::gcd(a, b);
-  __atomic_store_n(&gcd_cache[b][a], gcd, __ATOMIC_RELAXED);
-  __atomic_store_n(&gcd_cache[a][b], gcd, __ATOMIC_RELAXED);
-}
 
 QNumber QNumber::from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
   if (fits_word(numerator) && fits_word(denominator))
@@ -203,6 +217,27 @@ QNumber::Block& QNumber::room_for_result(QNumber const& a) {
       adopt(new Block);
   }
   return *block();
+}
+
+/// n/d in big form. Requires: lowest terms, and small form so far.
+void QNumber::become_wide(DoubleWord n, DoubleWord d) {
+  WideView const numerator(n);
+  WideView const denominator(d);
+  adopt(new Block(numerator, denominator));
+}
+
+/// a + bn/bd, where g is the gcd of the denominators. Products of two words fit in two words, and
+/// so does the sum of two of them.
+void QNumber::sum_wide(QNumber const& a, long bn, long bd, long g) {
+  DoubleWord s =
+      static_cast<DoubleWord>(a.num) * (bd / g) + static_cast<DoubleWord>(bn) * (a.den / g);
+  if (g == 1) return become_wide(s, static_cast<DoubleWord>(a.den) * bd);
+  long const g2 = std::gcd(static_cast<long>(s % g), g);
+  become_wide(s / g2, static_cast<DoubleWord>(a.den / g) * (bd / g2));
+}
+
+void QNumber::product_wide(long n1, long n2, long d1, long d2) {
+  become_wide(static_cast<DoubleWord>(n1) * n2, static_cast<DoubleWord>(d1) * d2);
 }
 
 void QNumber::sum_big(QNumber const& a, QNumber const& b, Sign sign) {

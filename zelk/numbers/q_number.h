@@ -326,8 +326,7 @@ class ZELK_EXPORT QNumber {
     if (a.den == 1 && b.den == 1) return a.num < b.num;
     // Cross products of two words fit in 128 bits, so the verdict needs no cancelling. The gcds
     // are taken all the same: comparing numbers is one of the things that fill the table.
-    detail::cached_gcd(magnitude(a.num), magnitude(b.num));
-    detail::cached_gcd(b.den, a.den);
+    detail::enter_gcds({magnitude(a.num), magnitude(b.num)}, {b.den, a.den});
     return static_cast<DoubleWord>(a.num) * b.den < static_cast<DoubleWord>(b.num) * a.den;
   }
 
@@ -415,59 +414,84 @@ class ZELK_EXPORT QNumber {
   // compound operator; for a free one *this is a new 0/1. `b` may be the same object too.
   template <Sign sign>
   QNumber& become_sum(QNumber const& a, QNumber const& b) {
-    if (!(a.is_small_with(b) && sum_words<sign>(a, b))) [[unlikely]]
+    if (a.is_small_with(b)) [[likely]]
+      sum_words<sign>(a, b);
+    else
       sum_big(a, b, sign);
     return *this;
   }
   QNumber& become_product(QNumber const& a, QNumber const& b) {
-    if (!(a.is_small_with(b) && product_words(a, b))) [[unlikely]]
+    if (a.is_small_with(b)) [[likely]]
+      product_words(a.num, a.den, b.num, b.den);
+    else
       product_big(a, b);
     return *this;
   }
   QNumber& become_quotient(QNumber const& a, QNumber const& b) {
-    if (b.den != 0) [[likely]]
-      return become_product(a, b.inv());
+    // The product with 1/b, whose parts are coprime, but whose gcd is taken all the same.
+    if (a.is_small_with(b) && b.num != 0) [[likely]] {
+      long const below = magnitude(b.num);
+      product_words(a.num, a.den, b.num < 0 ? -b.den : b.den, below,
+                    detail::WordPair{b.den, below});
+      return *this;
+    }
+    if (!b.is_big()) return become_product(a, b.inv());
     quotient_big(a, b);
     return *this;
   }
 
-  // Both write *this only when everything fits.
   template <Sign sign>
-  bool sum_words(QNumber const& a, QNumber const& b) {
+  void sum_words(QNumber const& a, QNumber const& b) {
     long s, d;
+    long g = 1;
     if (a.den == 1 && b.den == 1) {
-      if (!sum<sign>(a.num, b.num, s)) return false;
-      num = s;
-      return true;  // den is 1 already, also in a new object
+      if (sum<sign>(a.num, b.num, s)) {
+        num = s;
+        return;  // den is 1 already, also in a new object
+      }
+    } else {
+      // Over the least common denominator only a factor of g can still cancel.
+      g = detail::cached_gcd(a.den, b.den);
+      long const scale_b = a.den / g;
+      long const scale_a = b.den / g;
+      long x, y;
+      if (product(b.num, scale_b, x) && product(a.num, scale_a, y) && sum<sign>(y, x, s)) {
+        long const g2 = detail::cached_gcd(magnitude(s), g);
+        if (product(scale_b, b.den / g2, d)) {
+          num = s / g2;
+          den = d;
+          return;
+        }
+      }
     }
-    // Over the least common denominator only a factor of g can still cancel.
-    long const g = detail::cached_gcd(a.den, b.den);
-    long const scale_b = a.den / g;
-    long const scale_a = b.den / g;
-    long x, y;
-    if (!product(b.num, scale_b, x) || !product(a.num, scale_a, y) || !sum<sign>(y, x, s))
-      return false;
-    long const g2 = detail::cached_gcd(magnitude(s), g);
-    if (!product(scale_b, b.den / g2, d)) return false;
-    num = s / g2;
-    den = d;
-    return true;
+    sum_wide(a, sign == Sign::plus ? b.num : -b.num, b.den, g);
   }
 
-  bool product_words(QNumber const& a, QNumber const& b) {
+  /// an/ad * bn/bd, after the gcds of the pairs `before`.
+  template <class... Before>
+  void product_words(long an, long ad, long bn, long bd, Before const&... before) {
     long n, d;
-    if (a.den == 1 && b.den == 1) {
-      if (!product(a.num, b.num, n)) return false;
-      num = n;
-      return true;
+    long g1 = 1;
+    long g2 = 1;
+    if (ad == 1 && bd == 1) {
+      (detail::cached_gcd(before.a, before.b), ...);
+      if (product(an, bn, n)) {
+        num = n;
+        return;  // den is 1 already, also in a new object
+      }
+    } else {
+      // Cancelled crosswise first, the product is in lowest terms.
+      auto const gcds = detail::cached_gcds(before..., detail::WordPair{magnitude(an), bd},
+                                            detail::WordPair{magnitude(bn), ad});
+      g1 = gcds[sizeof...(before)];
+      g2 = gcds[sizeof...(before) + 1];
+      if (product(an / g1, bn / g2, n) && product(ad / g2, bd / g1, d)) {
+        num = n;
+        den = d;
+        return;
+      }
     }
-    // Cancelled crosswise first, the product is in lowest terms.
-    long const g1 = detail::cached_gcd(magnitude(a.num), b.den);
-    long const g2 = detail::cached_gcd(magnitude(b.num), a.den);
-    if (!product(a.num / g1, b.num / g2, n) || !product(a.den / g2, b.den / g1, d)) return false;
-    num = n;
-    den = d;
-    return true;
+    product_wide(an / g1, bn / g2, ad / g2, bd / g1);
   }
 
   [[gnu::noinline, gnu::cold]] void become_extreme();
@@ -481,6 +505,9 @@ class ZELK_EXPORT QNumber {
   [[gnu::noinline]] void take_big(QNumber& other) noexcept;
   [[gnu::noinline]] bool has_big_unit_denominator() const;
   [[gnu::noinline]] Block& room_for_result(QNumber const& a);
+  [[gnu::noinline]] void sum_wide(QNumber const& a, long bn, long bd, long g);
+  [[gnu::noinline]] void product_wide(long n1, long n2, long d1, long d2);
+  [[gnu::noinline]] void become_wide(DoubleWord n, DoubleWord d);
   [[gnu::noinline]] void sum_big(QNumber const& a, QNumber const& b, Sign sign);
   [[gnu::noinline]] void product_big(QNumber const& a, QNumber const& b);
   [[gnu::noinline]] void quotient_big(QNumber const& a, QNumber const& b);

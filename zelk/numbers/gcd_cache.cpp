@@ -1,0 +1,124 @@
+#include "zelk/numbers/gcd_cache.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <numeric>
+
+namespace zelk {
+
+constinit long gcd_cache[gcd_cache_limit + 1][gcd_cache_limit + 1] = {};
+
+namespace detail {
+
+constinit bool has_all_gcds = false;
+
+namespace {
+
+constexpr long row = gcd_cache_limit + 1;
+
+/// Every cell [b][a] with 1 <= a < b before this one, row by row, has been seen filled.
+constinit long seen_before = 0;
+
+/// The first such cell from `cell` on that is empty, or the end of the table.
+long next_empty(long cell) {
+  for (; cell < row * row; ++cell) {
+    long const a = cell % row;
+    long const b = cell / row;
+    if (1 <= a && a < b && __atomic_load_n(&gcd_cache[b][a], __ATOMIC_RELAXED) == 0) break;
+  }
+  return cell;
+}
+
+/// Goes on from the cell that was empty last: one pass in all, and one more to make sure, since a
+/// host may have cleared what was seen.
+void look_for_empty() {
+  long cell = next_empty(__atomic_load_n(&seen_before, __ATOMIC_RELAXED));
+  if (cell == row * row) cell = next_empty(0);
+  __atomic_store_n(&seen_before, cell, __ATOMIC_RELAXED);
+  __atomic_store_n(&has_all_gcds, cell == row * row, __ATOMIC_RELAXED);
+}
+
+void enter(long a, long b, long gcd) {
+  __atomic_store_n(&gcd_cache[b][a], gcd, __ATOMIC_RELAXED);
+  __atomic_store_n(&gcd_cache[a][b], gcd, __ATOMIC_RELAXED);
+}
+
+/// Descents that take their steps together: pairs a >= b, in words or, which most processors divide
+/// faster, half words.
+template <class Word, std::size_t n>
+struct Descents {
+  /// Until one of them comes to the table or its end, or all fit half words. Beyond the table the
+  /// order of steps does not matter.
+  void advance_all() {
+    while (std::ranges::min(a) > gcd_cache_limit && std::ranges::min(b) > 1 &&
+           (sizeof(Word) == sizeof(std::uint32_t) || !fit_half()))
+      for (std::size_t i = 0; i < n; ++i) advance(i);
+  }
+
+  void advance(std::size_t i) {
+    Word const remainder = a[i] % b[i];
+    a[i] = b[i];
+    b[i] = remainder;
+  }
+
+  bool fit_half() const { return std::ranges::max(a) <= std::numeric_limits<std::uint32_t>::max(); }
+
+  std::array<Word, n> a, b;
+};
+}  // namespace
+
+void remember_gcd(long a, long b) {
+  assert(0 <= a && a <= gcd_cache_limit && 1 <= b && b <= gcd_cache_limit);
+  enter(a, b, std::gcd(a, b));
+  if (a != 0 && a != b) look_for_empty();
+}
+
+template <std::size_t n>
+std::array<long, n> descend_together(std::array<WordPair, n> pairs) {
+  Descents<std::uint64_t, n> whole;
+  for (std::size_t i = 0; i < n; ++i) {
+    auto const& [a, b] = pairs[i];
+    whole.a[i] = static_cast<std::uint64_t>(std::max(a, b));
+    whole.b[i] = static_cast<std::uint64_t>(std::min(a, b));
+  }
+  whole.advance_all();
+  if (whole.fit_half()) {
+    Descents<std::uint32_t, n> half;
+    std::ranges::copy(whole.a, half.a.begin());
+    std::ranges::copy(whole.b, half.b.begin());
+    half.advance_all();
+    for (std::size_t i = 0; i < n; ++i)
+      while (half.a[i] > gcd_cache_limit && half.b[i] > 1) half.advance(i);
+    std::ranges::copy(half.a, whole.a.begin());
+    std::ranges::copy(half.b, whole.b.begin());
+  }
+  std::array<long, n> gcds;
+  for (std::size_t i = 0; i < n; ++i) {
+    // In the table the order counts: a pair that stands there is looked at as it was given.
+    if (pairs[i].is_in_table())
+      gcds[i] = cached_gcd(pairs[i].a, pairs[i].b);
+    else if (whole.b[i] == 0)
+      gcds[i] = static_cast<long>(whole.a[i]);
+    else
+      gcds[i] = cached_gcd(static_cast<long>(whole.a[i]), static_cast<long>(whole.b[i]));
+  }
+  return gcds;
+}
+
+template std::array<long, 2> descend_together(std::array<WordPair, 2> pairs);
+template std::array<long, 3> descend_together(std::array<WordPair, 3> pairs);
+
+}  // namespace detail
+
+void fill_gcd_cache() {
+  for (long b = 1; b <= gcd_cache_limit; ++b) {
+    detail::enter(0, b, b);
+    // From pairs of rows before this one.
+    for (long a = 1; a <= b; ++a)
+      detail::enter(a, b, __atomic_load_n(&gcd_cache[b - a][a], __ATOMIC_RELAXED));
+  }
+  detail::look_for_empty();
+}
+
+}  // namespace zelk
