@@ -16,9 +16,15 @@ namespace {
                 convert::quoted(word.text) + ": " + reason);
 }
 
-constexpr std::string_view blanks = " \t";
-
+bool is_blank(char c) { return c == ' ' || c == '\t'; }
+bool is_digit(char c) { return '0' <= c && c <= '9'; }
 bool is_quote(char c) { return c == '"' || c == '\''; }
+
+/// Where the first character from `from` on is that is none of these, or the end.
+std::size_t skip(bool these(char), std::string_view text, std::size_t from = 0) {
+  while (from < text.size() && these(text[from])) ++from;
+  return from;
+}
 
 /// Takes the words of a line one after the other.
 class Words {
@@ -26,17 +32,17 @@ class Words {
   explicit Words(std::string_view text) : line(text) {}
 
   std::optional<Word> next() {
-    auto const begin = line.find_first_not_of(blanks, position);
-    if (begin == std::string_view::npos) return std::nullopt;
+    auto const begin = skip(is_blank, line, position);
+    if (begin == line.size()) return std::nullopt;
     if (is_quote(line[begin])) {
       auto const end = line.find(line[begin], begin + 1);
       if (end == std::string_view::npos) refuse({line.substr(begin), begin + 1}, "an open quote");
       position = end + 1;
-      if (position < line.size() && blanks.find(line[position]) == std::string_view::npos)
+      if (position < line.size() && !is_blank(line[position]))
         refuse({line.substr(position), position + 1}, "expected a blank after the quote");
       return Word{line.substr(begin + 1, end - begin - 1), begin + 2};
     }
-    position = std::min(line.find_first_of(blanks, begin), line.size());
+    position = skip([](char c) { return !is_blank(c); }, line, begin);
     return Word{line.substr(begin, position - begin), begin + 1};
   }
 
@@ -125,7 +131,7 @@ void read_value(Word const& word, Query& query) {
 
 std::string_view without_comment(std::string_view line) {
   for (std::size_t at = 0;;) {
-    at = std::min(line.find_first_not_of(blanks, at), line.size());
+    at = skip(is_blank, line, at);
     if (at == line.size() || line[at] == '#') return line.substr(0, at);
     // A quote lasts until the next, and elsewhere a word ends where the comment begins.
     at = is_quote(line[at]) ? line.find(line[at], at + 1) : line.find_first_of(" \t#", at);
@@ -195,23 +201,19 @@ void parse_words(Query& query) {
 }
 
 QNumber parse_number(Word const& word) {
-  constexpr std::string_view digits = "0123456789";
   // The text is brought into the form that the library reads, and columns back.
-  auto const size = word.text.size();
-  auto first = std::min(word.text.find_first_not_of(blanks), size);
+  auto first = skip(is_blank, word.text);
   std::string text(word.text.substr(first));
-  while (!text.empty() && blanks.find(text.back()) != std::string_view::npos) text.pop_back();
-  auto const is_digit = [&](std::size_t at) {
-    return at < text.size() && digits.find(text[at]) != std::string_view::npos;
-  };
-  if (text.starts_with('+') && (is_digit(1) || text.starts_with("+."))) {
+  while (!text.empty() && is_blank(text.back())) text.pop_back();
+  auto const has_digit = [&](std::size_t at) { return at < text.size() && is_digit(text[at]); };
+  if (text.starts_with('+') && (has_digit(1) || text.starts_with("+."))) {
     text.erase(0, 1);
     ++first;
   }
   auto const start = static_cast<std::size_t>(text.starts_with('-'));
-  auto const point = std::min(text.find_first_not_of(digits, start), text.size());
+  auto const point = skip(is_digit, text, start);
   auto inserted = text.size();  // where a zero was
-  if (point < text.size() && text[point] == '.' && is_digit(point + 1) != (point > start)) {
+  if (point < text.size() && text[point] == '.' && has_digit(point + 1) != (point > start)) {
     inserted = point > start ? point + 1 : point;
     text.insert(inserted, 1, '0');
   }

@@ -1,5 +1,7 @@
 #include "zelk/approx/rational_approximator.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 
 #include "zelk/approx/internal/convergent_walk.h"
@@ -15,6 +17,10 @@ void extend(RationalApproximator::ContinuedFraction& c, unsigned count) {
   auto const incomplete = [&] { return c.terms.size() < count; };
   if (!incomplete() || c.remainder.is_zero()) return;
   if (!c.remainder.is_big()) {
+    // Two steps take more than a bit off the denominator, and on the average three (Levy's
+    // theorem).
+    auto const bits = std::bit_width(static_cast<unsigned long>(c.remainder.small_denominator()));
+    c.terms.reserve(std::min<std::size_t>(count, c.terms.size() + bits));
     do {
       c.terms.push_back(c.remainder.self_decompose());
       if (c.remainder.is_zero()) return;

@@ -3,7 +3,10 @@
 #include <gmp.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
+#include <iterator>
+#include <limits>
 
 #include "zelk/numbers/integer.h"
 
@@ -34,6 +37,8 @@ std::string excerpt(std::string_view text, std::size_t column) {
          (first + shown.size() < text.size() ? "..." : "");
 }
 
+bool is_digit(char c) { return '0' <= c && c <= '9'; }
+
 /// Reads a text from left to right; what does not fit is refused where it stands.
 class Scanner {
  public:
@@ -46,7 +51,8 @@ class Scanner {
   }
 
   std::string_view digits() {
-    auto const end = std::min(text.find_first_not_of("0123456789", position), text.size());
+    auto end = position;
+    while (end < text.size() && is_digit(text[end])) ++end;
     if (end == position) refuse(position, "expected a digit");
     auto const found = text.substr(position, end - position);
     position = end;
@@ -86,8 +92,30 @@ class Scanner {
   std::size_t position = 0;
 };
 
+/// So many digits always fit a word.
+constexpr std::size_t digits_of_word = std::numeric_limits<long>::digits10;
+
+/// Whether it is certain that `digits` and `zeros` after them do. Less than 0 zeros are none.
+bool fits_word(std::string_view digits, long zeros) {
+  return digits.size() <= digits_of_word &&
+         zeros <= static_cast<long>(digits_of_word - digits.size());
+}
+
+/// The number that they make.
+long to_word(std::string_view digits, long zeros) {
+  long n = 0;
+  for (char const c : digits) n = 10 * n + (c - '0');
+  for (; zeros > 0; --zeros) n *= 10;
+  return n;
+}
+
 /// Requires: `digits` holds decimal digits only, at least one.
 void assign(Integer& n, std::string const& digits) { mpz_set_str(n, digits.c_str(), 10); }
+
+void append(std::string& text, long n) {
+  char digits[digits_of_word + 2];  // one more, and a sign
+  text.append(digits, std::to_chars(digits, std::end(digits), n).ptr);
+}
 
 void append(std::string& text, mpz_srcptr n) {
   auto const start = text.size();
@@ -126,6 +154,10 @@ QNumber parse_rational(std::string_view text) {
   }
   scanner.expect_end();
 
+  if (fits_word(digits, scale) && fits_word(divisor, -scale)) {
+    long const n = to_word(digits, scale);
+    return {negative ? -n : n, to_word(divisor, -scale)};
+  }
   Integer numerator;
   Integer denominator;
   Integer power;
@@ -140,11 +172,16 @@ QNumber parse_rational(std::string_view text) {
 
 std::string to_string(QNumber const& q) {
   std::string text;
-  append(text, q.numerator());
-  if (!q.is_integer()) {
-    text += '/';
+  if (q.is_big())
+    append(text, q.numerator());
+  else
+    append(text, q.small_numerator());
+  if (q.is_integer()) return text;
+  text += '/';
+  if (q.is_big())
     append(text, q.denominator());
-  }
+  else
+    append(text, q.small_denominator());
   return text;
 }
 

@@ -1,6 +1,7 @@
 #include "zelk/numbers/gcd_cache.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <numeric>
@@ -18,7 +19,7 @@ namespace {
 constexpr long row = gcd_cache_limit + 1;
 
 /// Every cell [b][a] with 1 <= a < b before this one, row by row, has been seen filled.
-constinit long seen_before = 0;
+constinit long seen_before = 2 * row + 1;
 
 /// The first such cell from `cell` on that is empty, or the end of the table.
 long next_empty(long cell) {
@@ -68,19 +69,32 @@ struct Descents {
 };
 }  // namespace
 
-void remember_gcd(long a, long b) {
+long enter_gcd(long a, long b) {
   assert(0 <= a && a <= gcd_cache_limit && 1 <= b && b <= gcd_cache_limit);
-  enter(a, b, std::gcd(a, b));
+  // If a < b, the next pair is the same in the other order, and known by then.
+  long const remainder = a % b;
+  long const gcd = a < b ? std::gcd(a, b) : remainder == 0 ? b : cached_gcd(b, remainder);
+  enter(a, b, gcd);
   if (a != 0 && a != b) look_for_empty();
+  return gcd;
 }
 
-template <std::size_t n>
-std::array<long, n> descend_together(std::array<WordPair, n> pairs) {
+template <std::same_as<WordPair>... Pairs>
+std::array<long, sizeof...(Pairs)> descend_together(Pairs... all) {
+  constexpr std::size_t n = sizeof...(Pairs);
+  std::array<WordPair, n> const pairs = {all...};
   Descents<std::uint64_t, n> whole;
+  bool is_short = true;  // in the table after two steps at most
   for (std::size_t i = 0; i < n; ++i) {
-    auto const& [a, b] = pairs[i];
-    whole.a[i] = static_cast<std::uint64_t>(std::max(a, b));
-    whole.b[i] = static_cast<std::uint64_t>(std::min(a, b));
+    auto const [b, a] = std::minmax(pairs[i].a, pairs[i].b);
+    whole.a[i] = static_cast<std::uint64_t>(a);
+    whole.b[i] = static_cast<std::uint64_t>(b);
+    is_short &= b <= gcd_cache_limit;
+  }
+  std::array<long, n> gcds;
+  if (is_short) {
+    for (std::size_t i = 0; i < n; ++i) gcds[i] = cached_gcd(pairs[i].a, pairs[i].b);
+    return gcds;
   }
   whole.advance_all();
   if (whole.fit_half()) {
@@ -93,7 +107,6 @@ std::array<long, n> descend_together(std::array<WordPair, n> pairs) {
     std::ranges::copy(half.a, whole.a.begin());
     std::ranges::copy(half.b, whole.b.begin());
   }
-  std::array<long, n> gcds;
   for (std::size_t i = 0; i < n; ++i) {
     // In the table the order counts: a pair that stands there is looked at as it was given.
     if (pairs[i].is_in_table())
@@ -106,8 +119,8 @@ std::array<long, n> descend_together(std::array<WordPair, n> pairs) {
   return gcds;
 }
 
-template std::array<long, 2> descend_together(std::array<WordPair, 2> pairs);
-template std::array<long, 3> descend_together(std::array<WordPair, 3> pairs);
+template std::array<long, 2> descend_together(WordPair, WordPair);
+template std::array<long, 3> descend_together(WordPair, WordPair, WordPair);
 
 }  // namespace detail
 

@@ -2,7 +2,7 @@
 
 #include <array>
 #include <cassert>
-#include <cstddef>
+#include <concepts>
 #include <tuple>
 
 #include "zelk/config.h"
@@ -26,8 +26,9 @@ ZELK_EXPORT void fill_gcd_cache();
 
 namespace detail {
 
-/// Enters gcd(a, b) in both orders. Requires: 0 <= a <= gcd_cache_limit, 1 <= b <= gcd_cache_limit.
-ZELK_EXPORT [[gnu::noinline, gnu::cold]] void remember_gcd(long a, long b);
+/// As `cached_gcd`. Requires: 0 <= a <= gcd_cache_limit, 1 <= b <= gcd_cache_limit, and the table
+/// does not know the pair.
+ZELK_EXPORT [[gnu::noinline, gnu::cold]] long enter_gcd(long a, long b);
 
 /// gcd(a, b) by Euclid's algorithm, which ends early at the first pair the table already knows and
 /// enters every pair inside the table that it passes, so that a later walk over the same remainders
@@ -41,8 +42,7 @@ inline long cached_gcd(long a, long b) {
     // The limit is 2^10 - 1, so one comparison tests both.
     if ((a | b) <= gcd_cache_limit) {
       long const known = __atomic_load_n(&gcd_cache[a][b], __ATOMIC_RELAXED);
-      if (known != 0) return known;
-      remember_gcd(a, b);
+      return known != 0 ? known : enter_gcd(a, b);
     }
     long const remainder = a % b;
     if (remainder == 0) return b;
@@ -54,24 +54,24 @@ inline long cached_gcd(long a, long b) {
 /// Two words whose gcd is wanted, as `cached_gcd` takes them.
 struct WordPair {
   bool is_in_table() const { return (a | b) <= gcd_cache_limit; }
+  long known() const { return __atomic_load_n(&gcd_cache[a][b], __ATOMIC_RELAXED); }
 
   long a, b;
 };
 
 /// What `cached_gcd` of one pair after the other returns and enters, by descents that take their
 /// steps together, so that no division waits for that of another. For two or three pairs.
-template <std::size_t n>
-ZELK_EXPORT std::array<long, n> descend_together(std::array<WordPair, n> pairs);
+template <std::same_as<WordPair>... Pairs>
+ZELK_EXPORT std::array<long, sizeof...(Pairs)> descend_together(Pairs... pairs);
 
-/// The same, when nearly always the table knows all.
-template <class... Pairs>
-std::array<long, sizeof...(Pairs)> cached_gcds(Pairs const&... pairs) {
+/// The same, when the table may well know all.
+template <std::same_as<WordPair>... Pairs>
+[[gnu::always_inline]] inline std::array<long, sizeof...(Pairs)> cached_gcds(Pairs... pairs) {
   if ((pairs.is_in_table() && ...)) {
-    std::array<long, sizeof...(Pairs)> const known = {
-        __atomic_load_n(&gcd_cache[pairs.a][pairs.b], __ATOMIC_RELAXED)...};
+    std::array<long, sizeof...(Pairs)> const known = {pairs.known()...};
     if (std::apply([](auto... gcds) { return ((gcds != 0) && ...); }, known)) return known;
   }
-  return descend_together(std::array{pairs...});
+  return descend_together(pairs...);
 }
 
 /// Whether every pair 1 <= a < b has been seen in the table.
@@ -84,8 +84,13 @@ inline bool is_table_complete() {
 }
 
 /// Enters what `cached_gcds` would. A descent from beyond the table passes pairs a > b >= 1 there.
-inline void enter_gcds(WordPair const& x, WordPair const& y) {
-  if (x.is_in_table() || y.is_in_table() || !is_table_complete()) cached_gcds(x, y);
+inline void enter_gcds(WordPair x, WordPair y) {
+  if (x.is_in_table() && y.is_in_table()) {
+    if (x.known() != 0 && y.known() != 0) return;
+  } else if (!x.is_in_table() && !y.is_in_table() && is_table_complete()) {
+    return;
+  }
+  descend_together(x, y);
 }
 
 }  // namespace detail

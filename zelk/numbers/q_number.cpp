@@ -297,6 +297,7 @@ void QNumber::product_big(QNumber const& a, QNumber const& b) {
 }
 
 void QNumber::quotient_big(QNumber const& a, QNumber const& b) {
+  if (!b.is_big()) return product_big(a, b.inv());
   require_divisor(b.numerator());
   auto& [n, d] = room_for_result(a);
   multiply(n, d, a.numerator(), a.denominator(), b.denominator(), b.numerator());

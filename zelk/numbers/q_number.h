@@ -433,10 +433,9 @@ class ZELK_EXPORT QNumber {
       long const below = magnitude(b.num);
       product_words(a.num, a.den, b.num < 0 ? -b.den : b.den, below,
                     detail::WordPair{b.den, below});
-      return *this;
+    } else {
+      quotient_big(a, b);
     }
-    if (!b.is_big()) return become_product(a, b.inv());
-    quotient_big(a, b);
     return *this;
   }
 
