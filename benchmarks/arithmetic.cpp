@@ -3,13 +3,18 @@
 #include <memory>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 #include "benchmarks/peers.h"
+#include "benchmarks/random_rationals.h"
 #include "benchmarks/row.h"
 
 namespace zelk::bench {
 
 namespace {
+
+// So many that branch predictors do not learn them.
+constexpr std::size_t small_pairs = 16384;
 
 // What is timed: r = a + b and its like, r being a variable used again and again, as the peers'
 // three-address functions have it. GMP's and Boost's expression templates come down to the same.
@@ -92,14 +97,22 @@ struct NewProduct {
   }
 };
 
-/// Pairs of operands, at even and odd places, none of them zero.
-using Operands = std::vector<mpq_class>;
+/// Pairs of operands, at even and odd places, none of them zero. Each contender's own are made once
+/// for all operations.
+template <class Q>
+using Numbers = std::shared_ptr<std::vector<Q> const>;
+
+template <class Q>
+Numbers<Q> numbers_of(std::vector<mpq_class> const& operands) {
+  std::vector<Q> numbers;
+  for (mpq_class const& q : operands) numbers.push_back(from_mpq<Q>(q));
+  return std::make_shared<std::vector<Q> const>(std::move(numbers));
+}
 
 template <class Operation, class Q>
-void enter(Row& row, std::string const& contender, Operands const& operands) {
+void enter(Row& row, std::string const& contender, Numbers<Q> const& numbers) {
+  if (!numbers) return;
   using Result = std::conditional_t<std::is_same_v<Operation, Less>, bool, Q>;
-  auto numbers = std::make_shared<std::vector<Q>>();
-  for (mpq_class const& q : operands) numbers->push_back(from_mpq<Q>(q));
   auto const work = [numbers, r = Result()]() mutable {
     for (std::size_t i = 0; i < numbers->size(); i += 2) {
       Operation::assign(r, (*numbers)[i], (*numbers)[i + 1]);
@@ -118,82 +131,62 @@ void enter(Row& row, std::string const& contender, Operands const& operands) {
   row.enter(contender, work, answer);
 }
 
-template <class Operation>
-void enter_row(std::string const& subject, std::string const& name, Operands const& operands) {
-  Row row(subject, name, operands.size() / 2);
-  enter<Operation, QNumber>(row, "zelk", operands);
-  enter<Operation, Fmpq>(row, "FLINT", operands);
-  enter<Operation, mpq_class>(row, "GMP", operands);
-  // Beyond words Boost's own integers take too long to wait for.
-  if (mpz_sizeinbase(operands[0].get_num_mpz_t(), 2) <= GMP_NUMB_BITS)
-    enter<Operation, cpp_rational>(row, "Boost", operands);
-}
-
-class Source {
+/// All operations on the same operands.
+class Rows {
  public:
-  /// Parts from 1 to `limit`, either sign, in lowest terms.
-  Operands up_to(mpz_class const& limit, bool integers = false) {
-    Operands operands(2048);
-    for (mpq_class& q : operands) {
-      q = mpq_class(random.get_z_range(limit) + 1,
-                    integers ? mpz_class(1) : mpz_class(random.get_z_range(limit) + 1));
-      q.canonicalize();
-      if (random.get_z_bits(1) != 0) q = -q;
-    }
-    return operands;
+  Rows(std::string name, std::vector<mpq_class> const& operands)
+      : subject(std::move(name)),
+        ours(numbers_of<QNumber>(operands)),
+        flint(numbers_of<Fmpq>(operands)),
+        gmp(numbers_of<mpq_class>(operands)) {
+    // Beyond words Boost's own integers take too long to wait for.
+    if (mpz_sizeinbase(operands[0].get_num_mpz_t(), 2) <= GMP_NUMB_BITS)
+      boost = numbers_of<cpp_rational>(operands);
   }
 
-  /// Parts of just so many bits, either sign.
-  Operands of_bits(unsigned bits) {
-    Operands operands(128);
-    mpz_class const half = mpz_class(1) << (bits - 1);
-    for (mpq_class& q : operands) {
-      do {
-        q.get_num() = half + random.get_z_bits(bits - 1);
-        q.get_den() = half + random.get_z_bits(bits - 1);
-      } while (gcd(q.get_num(), q.get_den()) != 1);
-      if (random.get_z_bits(1) != 0) q = -q;
-    }
-    return operands;
+  void enter_all() const {
+    enter_row<Sum>("r = a + b");
+    enter_row<Difference>("r = a - b");
+    enter_row<Product>("r = a * b");
+    enter_row<Quotient>("r = a / b");
+    enter_row<Less>("a < b");
+    enter_row<Added>("r = a, r += b");
+    enter_row<Multiplied>("r = a, r *= b");
+    enter_row<NewSum>("Q r(a + b)");
+    enter_row<NewProduct>("Q r(a * b)");
   }
 
  private:
-  gmp_randclass random{gmp_randinit_mt};
+  template <class Operation>
+  void enter_row(std::string const& name) const {
+    Row row(subject, name, ours->size() / 2);
+    enter<Operation>(row, "zelk", ours);
+    enter<Operation>(row, "FLINT", flint);
+    enter<Operation>(row, "GMP", gmp);
+    enter<Operation>(row, "Boost", boost);
+  }
+
+  std::string subject;
+  Numbers<QNumber> ours;
+  Numbers<Fmpq> flint;
+  Numbers<mpq_class> gmp;
+  Numbers<cpp_rational> boost;  // null where it does not take part
 };
 
 }  // namespace
 
 void enter_arithmetic() {
-  Source source;
-  for (bool const integers : {false, true}) {
-    std::string const subject = integers ? "Integers up to 1000" : "Fractions, parts up to 1000";
-    Operands const operands = source.up_to(1000, integers);
-    enter_row<Sum>(subject, "r = a + b", operands);
-    enter_row<Product>(subject, "r = a * b", operands);
-    enter_row<Quotient>(subject, "r = a / b", operands);
-    enter_row<Less>(subject, "a < b", operands);
-    enter_row<Added>(subject, "r = a, r += b", operands);
-    enter_row<Multiplied>(subject, "r = a, r *= b", operands);
-  }
-
-  std::string const words = "Fractions, parts up to 2^31";
-  Operands const operands = source.up_to(mpz_class(1) << 31);
-  enter_row<Sum>(words, "r = a + b", operands);
-  enter_row<Product>(words, "r = a * b", operands);
-
-  for (unsigned const bits : {128U, 512U, 2048U, 8192U}) {
-    std::string const subject = "Fractions, parts of " + std::to_string(bits) + " bits";
-    Operands const big = source.of_bits(bits);
-    enter_row<Sum>(subject, "r = a + b", big);
-    enter_row<Difference>(subject, "r = a - b", big);
-    enter_row<Product>(subject, "r = a * b", big);
-    enter_row<Quotient>(subject, "r = a / b", big);
-    enter_row<Less>(subject, "a < b", big);
-    enter_row<Added>(subject, "r = a, r += b", big);
-    enter_row<Multiplied>(subject, "r = a, r *= b", big);
-    enter_row<NewSum>(subject, "Q r(a + b)", big);
-    enter_row<NewProduct>(subject, "Q r(a * b)", big);
-  }
+  RandomRationals random;
+  Rows("Fractions, parts up to 1000", random.up_to(1000, small_pairs)).enter_all();
+  Rows("Integers up to 1000", random.integers_up_to(1000, small_pairs)).enter_all();
+  for (unsigned const bits : {31U, 40U, 62U})
+    Rows("Fractions, parts up to 2^" + std::to_string(bits),
+         random.up_to(mpz_class(1) << bits, small_pairs))
+        .enter_all();
+  for (unsigned const bits : {128U, 512U, 2048U, 8192U})
+    Rows("Fractions, parts of " + std::to_string(bits) + " bits",
+         random.of_bits(bits, bits == 128 ? 1024 : 64))
+        .enter_all();
 }
 
 }  // namespace zelk::bench

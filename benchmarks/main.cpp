@@ -18,6 +18,7 @@ int main(int argc, char** argv) {
   benchmark::AddCustomContext("compiler", "g++ " __VERSION__);
 #endif
   zelk::bench::enter_arithmetic();
+  zelk::bench::enter_whole();
   zelk::bench::enter_expansion();
   zelk::bench::enter_lookup();
   zelk::bench::enter_series();

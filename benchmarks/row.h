@@ -45,6 +45,7 @@ class Row {
 
 /// The rows of each subject.
 void enter_arithmetic();
+void enter_whole();
 void enter_expansion();
 void enter_lookup();
 void enter_series();
