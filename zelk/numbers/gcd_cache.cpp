@@ -80,20 +80,20 @@ long enter_gcd(long a, long b) {
 }
 
 template <std::same_as<WordPair>... Pairs>
-std::array<long, sizeof...(Pairs)> descend_together(Pairs... all) {
+std::array<long, sizeof...(Pairs)> descend_together(Pairs... pairs) {
   constexpr std::size_t n = sizeof...(Pairs);
-  std::array<WordPair, n> const pairs = {all...};
+  std::array<WordPair, n> const given = {pairs...};
   Descents<std::uint64_t, n> whole;
   bool is_short = true;  // in the table after two steps at most
   for (std::size_t i = 0; i < n; ++i) {
-    auto const [b, a] = std::minmax(pairs[i].a, pairs[i].b);
+    auto const [b, a] = std::minmax(given[i].a, given[i].b);
     whole.a[i] = static_cast<std::uint64_t>(a);
     whole.b[i] = static_cast<std::uint64_t>(b);
     is_short &= b <= gcd_cache_limit;
   }
   std::array<long, n> gcds;
   if (is_short) {
-    for (std::size_t i = 0; i < n; ++i) gcds[i] = cached_gcd(pairs[i].a, pairs[i].b);
+    for (std::size_t i = 0; i < n; ++i) gcds[i] = cached_gcd(given[i].a, given[i].b);
     return gcds;
   }
   whole.advance_all();
@@ -109,8 +109,8 @@ std::array<long, sizeof...(Pairs)> descend_together(Pairs... all) {
   }
   for (std::size_t i = 0; i < n; ++i) {
     // In the table the order counts: a pair that stands there is looked at as it was given.
-    if (pairs[i].is_in_table())
-      gcds[i] = cached_gcd(pairs[i].a, pairs[i].b);
+    if (given[i].is_in_table())
+      gcds[i] = cached_gcd(given[i].a, given[i].b);
     else if (whole.b[i] == 0)
       gcds[i] = static_cast<long>(whole.a[i]);
     else

@@ -52,7 +52,7 @@ inline long cached_gcd(long a, long b) {
 }
 
 /// Two words whose gcd is wanted, as `cached_gcd` takes them.
-struct WordPair {
+struct ZELK_EXPORT WordPair {
   bool is_in_table() const { return (a | b) <= gcd_cache_limit; }
   long known() const { return __atomic_load_n(&gcd_cache[a][b], __ATOMIC_RELAXED); }
 

@@ -322,8 +322,8 @@ class ZELK_EXPORT QNumber {
   friend bool operator<(QNumber const& a, QNumber const& b) {
     if (!a.is_small_with(b)) [[unlikely]]
       return less_big(a, b);
-    if (a.num < 0 ? b.num >= 0 : b.num <= 0) return a.num < 0;
     if (a.den == 1 && b.den == 1) return a.num < b.num;
+    if (a.num < 0 ? b.num >= 0 : b.num <= 0) return a.num < 0;
     // Cross products of two words fit in 128 bits, so the verdict needs no cancelling. The gcds
     // are taken all the same: comparing numbers is one of the things that fill the table.
     detail::enter_gcds({magnitude(a.num), magnitude(b.num)}, {b.den, a.den});
