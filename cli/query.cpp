@@ -134,9 +134,12 @@ std::string_view without_comment(std::string_view line) {
     at = skip(is_blank, line, at);
     if (at == line.size() || line[at] == '#') return line.substr(0, at);
     // A quote lasts until the next, and elsewhere a word ends where the comment begins.
-    at = is_quote(line[at]) ? line.find(line[at], at + 1) : line.find_first_of(" \t#", at);
-    if (at == std::string_view::npos) return line;
-    if (is_quote(line[at])) ++at;
+    if (is_quote(line[at])) {
+      at = line.find(line[at], at + 1);
+      if (at++ == std::string_view::npos) return line;
+    } else {
+      at = skip([](char c) { return !is_blank(c) && c != '#'; }, line, at);
+    }
   }
 }
 
