@@ -1,0 +1,36 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <climits>
+#include <string>
+#include <string_view>
+
+#include "zelk/numbers/q_number.h"
+#include "zelk/real/expression.h"
+
+/// What people give to the functions: rational numbers, texts, and pairs of them for intervals.
+namespace zelk::python {
+
+namespace py = pybind11;
+
+/// Of a text, which has to outlive it. Throws: Python's exception for anything else.
+std::string_view text_of(py::handle object);
+
+/// A rational number; of a text, the value that its expression is known to have.
+/// Throws: Python's exception for what is none.
+QNumber to_number(py::handle object);
+
+/// A rational number, an expression, or an interval.
+real::Expression to_expression(py::handle object);
+
+/// The formula with `x` in place of its variable.
+real::Expression composed(real::Expression const& formula, real::Expression const& x);
+
+/// A whole number from 0 to `most`. Throws: TypeError, ValueError or OverflowError, with the name.
+unsigned to_count(py::handle object, char const* name, unsigned most = UINT_MAX);
+
+/// As messages show it: short.
+std::string shown(py::handle object);
+
+}  // namespace zelk::python

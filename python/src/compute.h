@@ -1,0 +1,42 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "zelk/convert/text.h"
+
+namespace zelk::python {
+
+namespace py = pybind11;
+
+/// Raises Python's exception in the place of the library's.
+[[noreturn]] inline void raise(PyObject* type, std::string const& input, char const* reason) {
+  PyErr_SetString(type, (input + ": " + reason).c_str());
+  throw py::error_already_set();
+}
+
+inline PyObject* type_of(std::domain_error const& error) {
+  std::string_view const reason = error.what();
+  bool const divides = reason.starts_with("division by") || reason.starts_with("a negative power");
+  return divides ? PyExc_ZeroDivisionError : PyExc_ValueError;
+}
+
+/// What `compute` returns; other threads of Python go on meanwhile. `input` tells in messages what
+/// it was computed from.
+template <class Input, class Compute>
+auto compute(Input const& input, Compute const& compute) {
+  try {
+    py::gil_scoped_release const release;
+    return compute();
+  } catch (std::domain_error const& error) {
+    raise(type_of(error), input(), error.what());
+  } catch (std::length_error const& error) {
+    raise(PyExc_OverflowError, input(), error.what());
+  } catch (std::invalid_argument const& error) {
+    raise(PyExc_ValueError, input(), error.what());
+  }
+}
+
+}  // namespace zelk::python

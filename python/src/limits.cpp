@@ -1,0 +1,42 @@
+#include "python/src/limits.h"
+
+#include <atomic>
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+
+namespace zelk::python {
+namespace {
+
+std::atomic<unsigned> max_digits = Limits{}.max_digits;
+std::atomic<double> max_bits = Limits{}.max_bits;
+
+}  // namespace
+
+Limits Limits::get() { return {python::max_digits, python::max_bits}; }
+
+void Limits::set(Limits const& limits) {
+  python::max_digits = limits.max_digits;
+  python::max_bits = limits.max_bits;
+}
+
+void check_digits(unsigned digits) {
+  if (unsigned const most = max_digits; digits > most)
+    throw std::length_error(std::to_string(digits) + " digits are more than max_digits, " +
+                            std::to_string(most) + "; zelk.set_limits allows more");
+}
+
+void check_demand(cli::Demand const& demand) {
+  double const most = max_bits;
+  bool const holds = demand.held > most;
+  if (!holds && demand.worked_through <= 1000 * most) return;
+  char text[256];
+  std::snprintf(
+      text, sizeof text,
+      "would %s about %.1e bits, more than %s%.1e (max_bits); zelk.set_limits allows more",
+      holds ? "take" : "work through", holds ? demand.held : demand.worked_through,
+      holds ? "" : "a thousand times ", most);
+  throw std::length_error(text);
+}
+
+}  // namespace zelk::python
