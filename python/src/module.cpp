@@ -43,9 +43,9 @@ void define(py::module_& module) {
 /// second interpreter.
 int execute(PyObject* module) {
   static bool is_defined = false;
-  if (std::exchange(is_defined, true) || PyInterpreterState_Get() != PyInterpreterState_Main()) {
+  if (PyInterpreterState_Get() != PyInterpreterState_Main() || std::exchange(is_defined, true)) {
     PyErr_SetString(PyExc_ImportError,
-                    "zelk can be imported once, and by the main interpreter of a process");
+                    "zelk serves one interpreter, the main one of a process, and is imported once");
     return -1;
   }
   try {

@@ -76,13 +76,18 @@ Function const& function_named(std::string_view name) {
   return *std::ranges::find(functions, name, &Function::name);
 }
 
+/// A question as messages name it.
+std::string described(std::string const& name, py::handle number, unsigned digits) {
+  std::string const point = name == "pi" ? "" : '(' + shown(number) + ')';
+  return name + point + " to " + std::to_string(digits) + " digits";
+}
+
 /// Approximators that one thread uses at a time, while others wait.
 class Solver {
  public:
   /// The answer of an approximator to a question about `number`; Python goes on meanwhile.
-  template <class Answer>
-  auto ask(std::string const& name, py::handle number, Answer const& answer) {
-    auto const input = [&] { return name + '(' + shown(number) + ')'; };
+  template <class Input, class Answer>
+  auto ask(Input const& input, py::handle number, Answer const& answer) {
     return compute(input, [&, x = to_number(number)] {
       std::lock_guard const lock(mutex);
       return answer(x);
@@ -92,7 +97,8 @@ class Solver {
   py::tuple bounds(std::string const& name, py::handle number, py::handle digits) {
     auto const& function = function_named(name);
     unsigned const count = to_count(digits, "digits");
-    auto [lower, upper] = ask(name, number, [&](QNumber const& x) {
+    auto const input = [&] { return described(name, number, count); };
+    auto [lower, upper] = ask(input, number, [&](QNumber const& x) {
       if (!function.is_kept(series, x, count)) {
         check_digits(count);
         check_demand(function.demand({.function = nullptr, .numbers = {x}, .digits = count}, 0));
@@ -105,12 +111,12 @@ class Solver {
 
   py::list terms(py::handle number, py::handle count) {
     py::list all;
-    for (auto const& term : expansion("terms", number, count)) all.append(to_int(term.numerator()));
+    for (auto const& term : expansion(number, count)) all.append(to_int(term.numerator()));
     return all;
   }
 
   py::list convergents(py::handle number, py::handle count) {
-    auto values = na::convergents(expansion("convergents", number, count));
+    auto values = na::convergents(expansion(number, count));
     if (values.empty()) values.emplace_back(0);  // zero has no terms
     py::list all;
     for (auto const& value : values) all.append(to_fraction(value));
@@ -119,22 +125,27 @@ class Solver {
 
   py::object approx(py::handle number, py::handle terms, int direction) {
     unsigned const count = to_count(terms, "terms");
-    return to_fraction(ask("approx", number, [&](QNumber const& x) {
-      if (count == 0 && !x.is_integer()) throw std::domain_error("no terms leave no convergent");
-      check_demand(cli::demand_of_approx({.function = nullptr, .numbers = {x}, .terms = count}, 0));
-      return rational.approx(x, count, direction);
-    }));
+    return to_fraction(ask([&] { return shown(number); }, number,
+                           [&](QNumber const& x) {
+                             if (count == 0 && !x.is_integer())
+                               throw std::domain_error("no terms leave no convergent");
+                             check_demand(cli::demand_of_approx(
+                                 {.function = nullptr, .numbers = {x}, .terms = count}, 0));
+                             return rational.approx(x, count, direction);
+                           }));
   }
 
  private:
-  std::vector<QNumber> expansion(char const* name, py::handle number, py::handle most) {
+  std::vector<QNumber> expansion(py::handle number, py::handle most) {
     unsigned const count = most.is_none() ? UINT_MAX : to_count(most, "count");
-    return ask(name, number, [&](QNumber const& x) {
-      check_demand(cli::demand_of_cf({.function = nullptr, .numbers = {x}, .terms = count}, 0));
-      auto all = rational.get_cf(x, count).terms;
-      if (all.size() > count) all.erase(all.begin() + count, all.end());
-      return all;
-    });
+    return ask(
+        [&] { return shown(number); }, number,
+        [&](QNumber const& x) {
+          check_demand(cli::demand_of_cf({.function = nullptr, .numbers = {x}, .terms = count}, 0));
+          auto all = rational.get_cf(x, count).terms;
+          if (all.size() > count) all.erase(all.begin() + count, all.end());
+          return all;
+        });
   }
 
   na::RationalApproximator rational;
@@ -149,7 +160,7 @@ std::string certify(std::string const& name, py::handle number, py::handle digit
   if (function.certify == nullptr)
     throw py::value_error("there are no certificates of companion bounds");
   unsigned const count = to_count(digits, "digits");
-  auto const input = [&] { return name + '(' + shown(number) + ')'; };
+  auto const input = [&] { return described(name, number, count); };
   return compute(input, [&, x = to_number(number), low = to_number(lower),
                          high = to_number(upper)] {
     na::RationalApproximator rational;
