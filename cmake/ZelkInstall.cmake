@@ -1,5 +1,6 @@
-# What `cmake --install` makes, in three parts: component `runtime` is what finished programs need,
-# `development` what it takes to compile one, `tools` the command and the checker of certificates. It works wherever it is put, or
+# What `cmake --install` makes, in parts: component `runtime` is what finished programs need,
+# `development` what it takes to compile one, `tools` the command and the checker of certificates,
+# `python` the package for Python. It works wherever it is put, or
 # moved to as a whole.
 
 include(CMakePackageConfigHelpers)
@@ -57,11 +58,32 @@ if(ZELK_BUILD_CLI)
     COMPONENT tools)
 endif()
 
+if(ZELK_BUILD_PYTHON)
+  set(ZELK_PYTHON_DIR "lib/python3/dist-packages" CACHE STRING "Where Python finds packages")
+  install(TARGETS zelk_python LIBRARY DESTINATION "${ZELK_PYTHON_DIR}/zelk" COMPONENT python)
+  install(
+    DIRECTORY "${PROJECT_SOURCE_DIR}/python/zelk"
+    DESTINATION "${ZELK_PYTHON_DIR}"
+    COMPONENT python
+    FILES_MATCHING PATTERN "*.py" PATTERN "*.pyi" PATTERN "py.typed" PATTERN __pycache__ EXCLUDE)
+  # So that other tools of Python know that it is there.
+  file(CONFIGURE OUTPUT METADATA
+       CONTENT "Metadata-Version: 2.1\nName: zelk\nVersion: @PROJECT_VERSION@\n" @ONLY)
+  install(
+    FILES "${PROJECT_BINARY_DIR}/METADATA"
+    DESTINATION "${ZELK_PYTHON_DIR}/zelk-${PROJECT_VERSION}.dist-info"
+    COMPONENT python)
+endif()
+
 # Shared libraries are looked for by the way from whoever needs them.
 if(BUILD_SHARED_LIBS)
   set_target_properties(zelk_convert zelk_real zelk_verify zelk_certify PROPERTIES INSTALL_RPATH "$ORIGIN")
   if(ZELK_BUILD_CLI)
     file(RELATIVE_PATH bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
     set_target_properties(zelk_cli PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+  endif()
+  if(ZELK_BUILD_PYTHON)
+    file(RELATIVE_PATH python_to_lib "/${ZELK_PYTHON_DIR}/zelk" "/${CMAKE_INSTALL_LIBDIR}")
+    set_target_properties(zelk_python PROPERTIES INSTALL_RPATH "$ORIGIN/${python_to_lib}")
   endif()
 endif()

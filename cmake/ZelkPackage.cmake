@@ -53,4 +53,26 @@ if(ZELK_BUILD_CLI)
       "exact rational numbers and their approximation - command${about}")
 endif()
 
+if(ZELK_BUILD_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_COMPONENT_PYTHON_DEPENDS runtime)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-zelk)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  # The extension is for one minor version of Python.
+  math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+      "python3 (>= 3.${Python3_VERSION_MINOR}~), python3 (<< 3.${next_minor})")
+  set(CPACK_DEBIAN_PYTHON_DESCRIPTION
+      "exact rational numbers and their approximation - Python 3 package${about}")
+  # Byte code is made when the package is installed, and goes before it does.
+  file(WRITE "${PROJECT_BINARY_DIR}/debian/postinst"
+       "#!/bin/sh\nset -e\nif [ \"$1\" = configure ]; then\n  py3compile -p python3-zelk\nfi\n")
+  file(WRITE "${PROJECT_BINARY_DIR}/debian/prerm" "#!/bin/sh\nset -e\npy3clean -p python3-zelk\n")
+  file(CHMOD "${PROJECT_BINARY_DIR}/debian/postinst" "${PROJECT_BINARY_DIR}/debian/prerm"
+       PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ
+                   WORLD_EXECUTE)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/debian/postinst"
+                                                "${PROJECT_BINARY_DIR}/debian/prerm")
+endif()
+
 include(CPack)

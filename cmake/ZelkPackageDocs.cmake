@@ -23,6 +23,8 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     execute_process(
       COMMAND sed -i "1s|/usr/bin/env python3|/usr/bin/python3|"
               "${share}/../bin/zelk-check-certificate" COMMAND_ERROR_IS_FATAL ANY)
+  elseif(component STREQUAL "python")
+    file(COPY "${CMAKE_CURRENT_LIST_DIR}/../docs/python.md" DESTINATION "${doc}")
   endif()
   file(GLOB pages "${share}/man/*/*")
   execute_process(COMMAND gzip -9n "${doc}/changelog" ${pages} COMMAND_ERROR_IS_FATAL ANY)

@@ -21,8 +21,12 @@ usage() { sed -n '2,/^[^#]/{s/^# \{0,1\}//p;}' "$0"; }
 # and own installations serve as well.
 needs_command=(g++:"${CXX:-c++}" cmake:cmake ninja-build:ninja libgmp-dev:gmp.h
   libcli11-dev:CLI/CLI.hpp)
+needs_python=(python3:python3 libpython3-dev:Python.h pybind11-dev:pybind11/pybind11.h)
 needs_test=("${needs_command[@]}" libgmp-dev:gmpxx.h libmpfr-dev:mpfr.h
-  libmpfi-dev:mpfi.h libgtest-dev:gtest/gtest.h pkg-config:pkg-config python3:python3)
+  libmpfi-dev:mpfi.h libgtest-dev:gtest/gtest.h pkg-config:pkg-config
+  "${needs_python[@]}" python3-pytest:pytest python3-hypothesis:hypothesis python3-mpmath:mpmath)
+needs_wheel=(g++:"${CXX:-c++}" libgmp-dev:gmp.h "${needs_python[@]}" python3-pybind11:pybind11
+  python3-setuptools:setuptools python3-wheel:wheel python3-venv:ensurepip)
 # With what its sanitizers need: the header comes with their runtime library.
 needs_clang=(clang:clang++ libclang-rt-dev:fuzzer/FuzzedDataProvider.h)
 
@@ -42,7 +46,7 @@ coq_knows() {
 
 # missing NEED...: prints the needs that are not met, one a line.
 missing() {
-  local need probe='' absent
+  local need probe='' absent headers
   for need in "$@"; do
     case $need in
       *.h | *.hpp) probe+="#if !__has_include(<${need#*:}>)"$'\n'"$need"$'\n#endif\n' ;;
@@ -53,7 +57,8 @@ missing() {
   done
   [[ $probe ]] || return 0
   # One run of the preprocessor answers for all headers; without a compiler all count as missing.
-  if absent=$("${CXX:-c++}" -x c++ -E -P - <<<"$probe" 2>/dev/null); then
+  headers=$(system_python -c 'import sysconfig; print(sysconfig.get_path("include"))' 2>/dev/null || true)
+  if absent=$("${CXX:-c++}" ${headers:+-isystem "$headers"} -x c++ -E -P - <<<"$probe" 2>/dev/null); then
     [[ -z $absent ]] || echo "$absent"
   else
     printf '%s\n' "$@" | grep -E '\.h(pp)?$'
@@ -108,15 +113,20 @@ configure() {
   touch "$ninja"
 }
 
-# build PRESET [CMAKE-BUILD-OPTION...]: configures if need be, and builds.
-build() {
-  local preset=$1 lock
-  shift
-  # The ends of a pipe start at once; only one of them may build.
+# lock_builds, unlock_builds: the ends of a pipe start at once, and only one of them may build.
+lock_builds() {
   { mkdir -p "$builds" && : >>"$builds/.lock"; } 2>/dev/null ||
     die "cannot write $builds; ZELK_BUILD=FOLDER names another place to build in"
   exec {lock}>>"$builds/.lock"
   ! command -v flock >/dev/null || flock "$lock"
+}
+unlock_builds() { exec {lock}>&-; }
+
+# build PRESET [CMAKE-BUILD-OPTION...]: configures if need be, and builds.
+build() {
+  local preset=$1
+  shift
+  lock_builds
   configure "$preset"
   # Nothing is said where there is hardly anything to build.
   { sleep 1 2>/dev/null && say "building $builds/$preset"; } </dev/null >/dev/null {lock}>&- &
@@ -125,5 +135,5 @@ build() {
   kill "$notice" 2>/dev/null || true
   wait "$notice" 2>/dev/null || true
   ((status == 0)) || die "$builds/$preset did not build"
-  exec {lock}>&-
+  unlock_builds
 }

@@ -14,10 +14,10 @@ def certificate(enclosure: Enclosure) -> str:
     question = enclosure._question
     if question is None:
         raise ValueError("no certificate of an enclosure that is no answer of zelk")
-    kind, *arguments = question
-    if kind == "value":
-        return _core.prove(*arguments)
-    return _core.certify(kind, *arguments, enclosure.lower, enclosure.upper)
+    if question[0] == "value":
+        return _core.prove(*question[1:])
+    name, x, digits = question
+    return _core.certify(name, x, digits, enclosure.lower, enclosure.upper)
 
 
 def check(certificate: str) -> str:

@@ -1,7 +1,7 @@
 from __future__ import annotations
 
 from fractions import Fraction
-from typing import Any, NamedTuple, Optional
+from typing import Any, NamedTuple, Optional, Tuple
 
 from zelk import _core
 
@@ -19,8 +19,8 @@ class Enclosure(_Bounds):
     (Fraction(289, 92), Fraction(355, 113))
     """
 
-    # How it can be found once more: a function of the module `_certificate` and its arguments.
-    _question: Optional[tuple] = None
+    # What was asked, of what.
+    _question: Optional[Tuple[Any, ...]] = None
 
     def decimal(self, places: int) -> str:
         """The interval with so many decimals, rounded outward; an equals sign marks an exact end.

@@ -43,8 +43,8 @@ third = Fraction(1, 3)
 )  # fmt: skip
 def test_numbers(given, value):
     assert zelk.simplest(given, given) == value
-    if abs(value) < 100:
-        assert zelk.log((given, 200), digits=9) == zelk.log((value, 200), digits=9) or value <= 0
+    if value > 0:
+        assert zelk.log((given, 200), digits=9) == zelk.log((value, 200), digits=9)
 
 
 REFUSED = [
