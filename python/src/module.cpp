@@ -63,6 +63,7 @@ int execute(PyObject* module) {
 }  // namespace
 }  // namespace zelk::python
 
+// As Python looks it up. NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" [[gnu::visibility("default")]] PyObject* PyInit__core() {
   static PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(&zelk::python::execute)},
                                      {0, nullptr}};
