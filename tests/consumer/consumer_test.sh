@@ -35,6 +35,15 @@ printf 'static/%s\n' bin/zelk{,-check-certificate} \
 find moved/*/{bin,share} -type f -size +0 -printf '%H/%P\n' 2>/dev/null | cut -d/ -f2- | sort |
   diff -u tools - || die 'not the command and its papers'
 
+# So does the package for Python, where it is made.
+if [[ -d moved/static/lib/python3 ]]; then
+  PYTHONPATH=$work/moved/static/lib/python3/dist-packages system_python -B -c '
+import importlib.metadata, zelk
+assert zelk.__file__.endswith("/moved/static/lib/python3/dist-packages/zelk/__init__.py")
+assert zelk.__version__ == importlib.metadata.version("zelk")
+assert zelk.best("pi", 100) == zelk.simplest("311/99", "311/99")' || die 'Python cannot use it'
+fi
+
 # Every header is installed but those of the internal/ folders.
 (cd "$root" && find zelk -name '*.h' -not -path '*/internal/*') | sort >headers
 for kind in static shared; do
