@@ -4,7 +4,7 @@
     scripts/python benchmarks/python_table.py [--quick]
 
 The contenders of a row take turns, from the same arguments (Fractions) to the same kind of answer (Fractions;
-of mpmath an interval of its own), and the least time of each is taken. Those that are
+of mpmath an interval of its own); of each the least time counts, of the processor but for threads. Those that are
 missing (Debian: python3-gmpy2, python3-mpmath) are left out.
 """
 
@@ -49,18 +49,18 @@ def exp_interval(x, digits):
     return iv.exp(iv.mpf(x.numerator) / x.denominator)
 
 
-def seconds(function):
-    begin = time.perf_counter()
+def seconds(function, clock=time.perf_counter):
+    begin = clock()
     function()
-    return time.perf_counter() - begin
+    return clock() - begin
 
 
 def row(name, contenders, repeat, rounds=7):
-    """The least time of each contender, by turns."""
+    """The least time of the processor for each contender, by turns."""
     least = dict.fromkeys(contenders, float("inf"))
     for _ in range(2 if QUICK else rounds):
         for contender, function in contenders.items():
-            spent = seconds(lambda: [function() for _ in range(repeat)]) / repeat
+            spent = seconds(lambda: [function() for _ in range(repeat)], time.process_time) / repeat
             least[contender] = min(least[contender], spent)
     own = least.pop("zelk")
     cells = [f"{least[c] / own:.2g}" if c in least else "" for c in COLUMNS]
@@ -120,9 +120,14 @@ def two_threads():
         [thread.start() for thread in threads]
         [thread.join() for thread in threads]
 
-    times = [(seconds(lambda: (ask("1/3"), ask("2/7"))), dict(found), seconds(side_by_side), dict(found)) for _ in range(5)]
-    assert all(before == after for _, before, _, after in times)
-    one, two = min(t[0] for t in times), min(t[2] for t in times)
+    times, answers = [], []
+    for _ in range(5):
+        for way in (lambda: (ask("1/3"), ask("2/7")), side_by_side):
+            found.clear()
+            times.append(seconds(way))
+            answers.append(dict(found))
+    assert answers.count(answers[0]) == len(answers)
+    one, two = min(times[::2]), min(times[1::2])
     print(f"\nTwo costly questions: {one:.3g} s by one thread, {two:.3g} s by two, {one / two:.2f} times as fast.")
 
 

@@ -9,6 +9,7 @@ benchmarks.md, benchmarks-digits.svg and benchmarks-small.svg are written to FOL
 
 import json
 import math
+import pathlib
 import re
 import statistics
 import sys
@@ -259,6 +260,13 @@ def small_chart(table):
     return str(drawing)
 
 
+def kept(path):
+    """What the page has on Python, which benchmarks/python_table.py measures."""
+    page = pathlib.Path(path)
+    _, heading, section = (page.read_text() if page.exists() else "").partition("\n## Python\n")
+    return heading + section
+
+
 def main():
     if len(sys.argv) != 5:
         sys.exit(__doc__)
@@ -266,8 +274,9 @@ def main():
     with open(batch, encoding="utf-8") as file:
         rates = [line.rstrip("\n").split("\t") for line in file]
     context, table, repetitions = load(path)
+    report = markdown(context, table, repetitions, peak_kib, rates) + kept(f"{folder}/benchmarks.md")
     for name, content in (
-        ("benchmarks.md", markdown(context, table, repetitions, peak_kib, rates)),
+        ("benchmarks.md", report),
         ("benchmarks-digits.svg", digits_chart(table)),
         ("benchmarks-small.svg", small_chart(table)),
     ):

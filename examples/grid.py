@@ -31,7 +31,7 @@ def questions(steps):
 
 
 def answer_all(solver, exponents, digits):
-    return [tuple(solver.exp(exponent, digits)) for exponent in exponents]
+    return {exponent: tuple(solver.exp(exponent, digits)) for exponent in exponents}
 
 
 def on_worker(exponents, digits):
@@ -47,25 +47,24 @@ def on_cluster(exponents, digits, workers, lose_one):
     from distributed import Client, LocalCluster
 
     # Equal questions make one share. There are more shares than workers, so that little is lost.
-    places = defaultdict(list)
-    for place, exponent in enumerate(exponents):
-        places[hash(exponent) % (8 * workers)].append(place)
-    answers = [None] * len(exponents)
+    shares = defaultdict(list)
+    for exponent in exponents:
+        shares[hash(exponent) % (8 * workers)].append(exponent)
     with LocalCluster(n_workers=workers, threads_per_worker=1, dashboard_address=None) as cluster:
         with Client(cluster) as client:
             addresses = sorted(client.scheduler_info()["workers"])
             begin = time.perf_counter()
-            futures = {
-                share: client.submit(on_worker, [exponents[place] for place in at], digits, pure=False,
-                                     workers=addresses[share % workers], allow_other_workers=True)
-                for share, at in places.items()
-            }  # fmt: skip
+            futures = [
+                client.submit(on_worker, share, digits, pure=False,
+                              workers=addresses[number % workers], allow_other_workers=True)
+                for number, share in sorted(shares.items())
+            ]  # fmt: skip
             if lose_one:
-                next(iter(futures.values())).result()
+                futures[0].result()
                 os.kill(client.run(os.getpid)[addresses[0]], signal.SIGKILL)
-            for share, at in places.items():
-                for place, answer in zip(at, futures[share].result()):
-                    answers[place] = answer
+            answers = {}
+            for future in futures:
+                answers.update(future.result())
             return answers, time.perf_counter() - begin
 
 
@@ -86,7 +85,7 @@ def main():
         answers, seconds = on_cluster(exponents, options.digits, options.workers, options.lose_one)
     print(f"{len(exponents)} points, {len(set(exponents))} questions, {seconds:.2f} s")
     digest = hashlib.sha256()
-    for end in itertools.chain.from_iterable(answers):
+    for end in itertools.chain.from_iterable(answers[exponent] for exponent in exponents):
         digest.update(f"{end.numerator:x}/{end.denominator:x}\n".encode())
     print(digest.hexdigest())
 

@@ -128,13 +128,19 @@ py::tuple enclose(py::handle formula, py::handle x, py::handle digits, bool is_r
   return to_pair({bounds.lower(), bounds.upper()});
 }
 
-std::string prove(py::handle formula, py::handle x, py::handle digits, bool is_relative) {
+/// That the bounds of a question, which is asked once more, hold its value.
+std::string prove(py::handle formula, py::handle x, py::handle digits, bool is_relative,
+                  py::handle lower, py::handle upper) {
   Question const question(formula, x, digits, is_relative);
+  QNumber const low = to_number(lower), high = to_number(upper);
   return ask(question, [&](real::ElementaryFunctions& functions) {
     auto const proof =
         question.image != nullptr
             ? question.image->prove(functions, question.expression.numbers()[0], question.accuracy)
             : certify::prove(functions, question.expression, question.accuracy);
+    auto const& bounds = proof.answer.bounds;
+    if (bounds.lower() != low || bounds.upper() != high)
+      throw std::domain_error("no certificate, since these bounds are not those found now");
     return certify::to_json_lines(proof.certificate);
   });
 }

@@ -165,6 +165,8 @@ std::string certify(std::string const& name, py::handle number, py::handle digit
                          high = to_number(upper)] {
     na::RationalApproximator rational;
     Series series(rational);
+    if (function.bounds(series, x, count) != Bounds(low, high))
+      throw std::domain_error("no certificate, since these bounds are not those found now");
     return certify::to_json_lines(function.certify(series, x, count, real::Interval(low, high)));
   });
 }

@@ -14,10 +14,12 @@ def certificate(enclosure: Enclosure) -> str:
     question = enclosure._question
     if question is None:
         raise ValueError("no certificate of an enclosure that is no answer of zelk")
+    lower, upper = enclosure
     if question[0] == "value":
-        return _core.prove(*question[1:])
+        formula, x, digits, relative = question[1:]
+        return _core.prove(formula, x, digits, relative, lower, upper)
     name, x, digits = question
-    return _core.certify(name, x, digits, enclosure.lower, enclosure.upper)
+    return _core.certify(name, x, digits, lower, upper)
 
 
 def check(certificate: str) -> str:

@@ -11,6 +11,14 @@ class _Bounds(NamedTuple):
     upper: Fraction
 
 
+def _places_for(width: Fraction) -> int:
+    """So many decimals that both ends tell what they say, and a digit more."""
+    if width == 0:
+        return 20
+    bits = width.denominator.bit_length() - width.numerator.bit_length()
+    return max(0, bits * 30103 // 100000) + 2
+
+
 class Enclosure(_Bounds):
     """Two fractions, lower and upper, with a value between them.
 
@@ -59,16 +67,8 @@ class Enclosure(_Bounds):
         lower, upper = x if isinstance(x, tuple) else (x, x)
         return self.lower <= _core.to_rational(lower) and _core.to_rational(upper) <= self.upper
 
-    def _places(self) -> int:
-        """So many decimals that both ends tell what they say, and a digit more."""
-        width = self.width
-        if width == 0:
-            return 20
-        bits = width.denominator.bit_length() - width.numerator.bit_length()
-        return max(0, bits * 30103 // 100000) + 2
-
     def __str__(self) -> str:
-        return self.decimal(self._places())
+        return self.decimal(_places_for(self.width))
 
     def _repr_pretty_(self, printer: Any, cycle: bool) -> None:
         """In IPython: as decimals, and as fractions."""

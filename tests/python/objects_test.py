@@ -61,6 +61,11 @@ def test_what_has_no_certificate():
         zelk.Solver().exp(1, 5, derivative=True).certificate
     with pytest.raises(ValueError, match="no answer of zelk"):
         zelk.Enclosure(half, half).certificate
+    for found in zelk.exp(1, 5), zelk.Solver().cos(1, 5):  # from elsewhere, and tampered with
+        moved = zelk.Enclosure(found.lower + 9, found.upper + 9)
+        moved.__dict__.update(found.__dict__)
+        with pytest.raises(ValueError, match="these bounds are not those found now"):
+            moved.certificate
     with pytest.raises(ValueError, match="certificate: "):
         zelk.check("{}")
 
