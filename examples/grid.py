@@ -31,7 +31,7 @@ def questions(steps):
 
 
 def answer_all(solver, exponents, digits):
-    return {exponent: tuple(solver.exp(exponent, digits)) for exponent in exponents}
+    return {exponent: solver.exp(exponent, digits) for exponent in exponents}
 
 
 def on_worker(exponents, digits):

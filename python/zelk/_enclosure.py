@@ -4,6 +4,7 @@ from fractions import Fraction
 from typing import Any, NamedTuple, Optional, Tuple
 
 from zelk import _core
+from zelk._terms import fraction
 
 
 class _Bounds(NamedTuple):
@@ -67,9 +68,22 @@ class Enclosure(_Bounds):
         lower, upper = x if isinstance(x, tuple) else (x, x)
         return self.lower <= _core.to_rational(lower) and _core.to_rational(upper) <= self.upper
 
+    def __reduce__(self) -> Tuple[Any, ...]:
+        # A pickled Fraction takes a gcd when it comes back.
+        ends = (*self.lower.as_integer_ratio(), *self.upper.as_integer_ratio())
+        return _restored, (*ends, self._question)
+
     def __str__(self) -> str:
         return self.decimal(_places_for(self.width))
 
     def _repr_pretty_(self, printer: Any, cycle: bool) -> None:
         """In IPython: as decimals, and as fractions."""
         printer.text(f"{self}  {_core.text(self.lower)} .. {_core.text(self.upper)}")
+
+
+def _restored(
+    n: int, d: int, upper_n: int, upper_d: int, question: Optional[Tuple[Any, ...]]
+) -> Enclosure:
+    enclosure = Enclosure(fraction(n, d), fraction(upper_n, upper_d))
+    enclosure._question = question
+    return enclosure

@@ -1,7 +1,8 @@
 """What a Fraction is made of."""
 
 import numbers
-from typing import NamedTuple
+from fractions import Fraction
+from typing import NamedTuple, cast
 
 
 class LowestTerms(NamedTuple):
@@ -12,3 +13,8 @@ class LowestTerms(NamedTuple):
 
 
 numbers.Rational.register(LowestTerms)
+
+
+def fraction(numerator: int, denominator: int) -> Fraction:
+    """Of coprime parts, the denominator positive."""
+    return Fraction(cast(numbers.Rational, LowestTerms(numerator, denominator)))
