@@ -1,6 +1,7 @@
 #include "zelk/certify/prove.h"
 
 #include <cassert>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -152,7 +153,10 @@ verify::Certificate certify_cos(Series& series, QNumber const& x, unsigned digit
                                 Interval const& bounds) {
   for (unsigned asked = digits;; asked += 1 + asked / 8) {
     auto const [lower, upper] = series.maclaurin_sin_der_bounds(x, asked);
-    if (!bounds.contains(Interval(lower, upper))) continue;
+    Interval const found(lower, upper);
+    if (!intersection(bounds, found))
+      throw std::invalid_argument("the cosine is not within its bounds");
+    if (!bounds.contains(found)) continue;
     return certify_call("cos", x, smallness_of_term(x, degree_of_sin(series, x, asked)), bounds);
   }
 }

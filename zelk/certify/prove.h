@@ -56,6 +56,7 @@ ZELK_EXPORT Proof prove_pi(Functions& functions, real::Accuracy accuracy);
 
 /// That `bounds` hold e^x, sin x, -sin x or cos x. Requires: they hold those that `series` answers
 /// for so many digits, or as many more as `cosine_bounds` takes, or the companions, in order.
+/// Throws: std::invalid_argument for bounds without the cosine.
 ZELK_EXPORT verify::Certificate certify_exp(na::PowerSeriesApproximator& series, QNumber const& x,
                                             unsigned digits, real::Interval const& bounds);
 ZELK_EXPORT verify::Certificate certify_sin(na::PowerSeriesApproximator& series, QNumber const& x,
