@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <initializer_list>
 #include <set>
 #include <sstream>
 #include <string>
 
 #include "tests/support/text_form.h"
+#include "zelk/approx/internal/power_terms.h"
 #include "zelk/approx/progress.h"
 
 namespace zelk::na {
@@ -76,6 +78,11 @@ TEST(PowerSeriesApproximator, FindsWorkedBoundsOfPiAndDegrees) {
   EXPECT_TRUE(test::entries(series.exp_records()).begin()->ends_with(" 35"));
   series.maclaurin_sin_compute(QNumber(1, 1000), 10);
   EXPECT_TRUE(test::entries(series.sin_records()).begin()->ends_with(" 3"));
+}
+
+TEST(PowerTerms, AreNotForeseenBeyondTheGreatestIndex) {
+  PowerTerms const terms(INT_MAX - 40, 1, 0);
+  EXPECT_EQ(terms.certain_terms(QNumber(1L << 40), Integer(1UL)), 40);
 }
 
 TEST(PowerSeriesApproximator, CountsItsStepsForWhomeverCounts) {

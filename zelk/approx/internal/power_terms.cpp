@@ -1,12 +1,20 @@
 #include "zelk/approx/internal/power_terms.h"
 
 #include <cassert>
+#include <climits>
 
 #include "zelk/approx/internal/common_denominator.h"
 #include "zelk/numbers/internal/leading_bits.h"
 #include "zelk/numbers/internal/lower_bound.h"
 
 namespace zelk::na {
+
+namespace {
+
+/// No series has more terms: their indices are `int`.
+constexpr unsigned most_terms = INT_MAX;
+
+}  // namespace
 
 PowerTerms::PowerTerms(unsigned index, QNumber const& term, QNumber const& sum0,
                        QNumber const& sum1)
@@ -50,9 +58,9 @@ bool PowerTerms::term_below(mpz_srcptr reciprocal) const {
 unsigned PowerTerms::certain_terms(QNumber const& x, mpz_srcptr reciprocal) const {
   LowerBound const size(x.numerator(), x.denominator());
   LowerBound bound = LowerBound(t, d) * LowerBound(reciprocal, IntegerView(1));
-  unsigned count = 0;
-  while ((bound = bound * size / (j + count + 1)).reaches_one()) ++count;
-  return count;
+  unsigned index = j;
+  while (index < most_terms && (bound = bound * size / (index + 1)).reaches_one()) ++index;
+  return index - j;
 }
 
 void PowerTerms::last_term(mpz_ptr numerator, mpz_srcptr above, mpz_srcptr below) const {

@@ -44,7 +44,8 @@ class PowerTerms {
   bool term_below(mpz_srcptr reciprocal) const;
 
   /// How many of T_(j+1), T_(j+2), ... are certainly at least 1/reciprocal in size, up to the first
-  /// that is not. Leading bits can fall short of the last one that is.
+  /// that is not, and none beyond the greatest `int`. Leading bits can fall short of the last one
+  /// that is.
   /// Requires: x is not 0, reciprocal > 0.
   unsigned certain_terms(QNumber const& x, mpz_srcptr reciprocal) const;
 

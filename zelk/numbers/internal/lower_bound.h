@@ -39,7 +39,7 @@ class LowerBound {
       : LowerBound((static_cast<Wide>(n.mantissa) << 64) / (d.mantissa + 1),
                    n.exponent - d.exponent - 64) {}
 
-  /// Cuts to 63 bits. Requires: bits >= 2^64.
+  /// Cuts to 63 bits. Requires: bits >= 2^63.
   LowerBound(Wide bits, std::int64_t scale) {
     int const surplus = 65 - std::countl_zero(static_cast<std::uint64_t>(bits >> 64));
     mantissa = static_cast<std::uint64_t>(bits >> surplus);
