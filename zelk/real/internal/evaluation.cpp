@@ -22,26 +22,29 @@ std::vector<Value> candidates(Value const& operand) {
   return all;
 }
 
-bool has_result(Row const& row, Precision const& precision, Operands operands) {
+/// What an operation comes to.
+enum class Outcome { result, undefined, too_long };
+
+Outcome outcome(Row const& row, Precision const& precision, Operands operands) {
   try {
     row.evaluate(precision, operands);
-    return true;
+    return Outcome::result;
   } catch (std::domain_error const&) {
-    return false;
+    return Outcome::undefined;
   } catch (std::length_error const&) {
-    return false;
+    return Outcome::too_long;
   }
 }
 
-/// Whether an operation without a result on all that the operands may be could have one on what
-/// they are.
-bool may_have_result(Row const& row, Precision const& precision, Operands operands) {
+/// Whether an operation that comes to `found` on all that the operands may be could come to
+/// something else on what they are.
+bool may_differ(Outcome found, Row const& row, Precision const& precision, Operands operands) {
   if (std::all_of(operands.begin(), operands.end(), [](Value const& x) { return x.is_exact(); }))
     return false;
   for (auto const& first : candidates(operands.front()))
     for (auto const& last : candidates(operands.back())) {
       Value const chosen[] = {first, last};
-      if (has_result(row, precision, Operands(chosen, operands.size()))) return true;
+      if (outcome(row, precision, Operands(chosen, operands.size())) != found) return true;
     }
   return false;
 }
@@ -49,7 +52,8 @@ bool may_have_result(Row const& row, Precision const& precision, Operands operan
 /// Requires: an exception is being handled, of an operation on these.
 Undecided undecided(std::exception const& error, bool is_length, Row const& row,
                     Precision const& precision, Operands operands, SignsOf signs) {
-  if (!may_have_result(row, precision, operands)) throw;
+  if (!may_differ(is_length ? Outcome::too_long : Outcome::undefined, row, precision, operands))
+    throw;
   Undecided result{error.what(), is_length, {}, false};
   for (std::size_t i = 0; i < operands.size(); ++i) {
     result.width = std::max(result.width, operands[i].unknown_width());
