@@ -20,6 +20,8 @@ static_assert(sizeof(long) == 8,
               "zelk holds small numbers in `long`, which must have 64 bits here");
 static_assert(sizeof(void*) == sizeof(long), "zelk holds a pointer in a `long`");
 static_assert(GMP_NUMB_BITS == 64, "zelk needs a GMP with 64-bit limbs and no nails");
+// Before, GMP released the digits of every integer, also those that it had not allocated.
+static_assert(__GNU_MP_VERSION * 100 + __GNU_MP_VERSION_MINOR >= 602, "zelk needs GMP 6.2");
 
 /// Integers that fill a word and whose upper half `long` does not have.
 template <class T>
