@@ -17,6 +17,7 @@
 #include "tests/support/random_number.h"
 #include "tests/support/text_form.h"
 #include "zelk/approx/best.h"
+#include "zelk/approx/internal/quick_ends.h"
 #include "zelk/approx/short_bounds.h"
 
 namespace zelk::na {
@@ -246,6 +247,16 @@ TEST(Simplest, ShortenedIsSimplestWithinItsSlackAndAsShortAsItsWidth) {
         expect_shortened(beyond + slack, beyond + 2 * slack, slack);
         expect_shortened(beyond - 2 * slack, beyond - slack, slack);
       }
+}
+
+TEST(Simplest, EndsAreFoundOnFewPlacesWhateverTheirIntegerPart) {
+  for (unsigned const bits : {0U, 64U, 300U})
+    for (int const sign : {-1, 1}) {
+      mpq_class const x(sign *
+                        ((mpz_class(1) << bits) + mpq_class("414213562373095/999999999999989")));
+      QNumber const q = to_number(x), slack(1, 1L << 40);
+      EXPECT_EQ(quickly_shortened(q, q, slack, slack), shortened({q, q}, slack)) << x;
+    }
 }
 
 TEST(Simplest, ShortBoundsHoldTheirValueWithinThePromisedWidth) {

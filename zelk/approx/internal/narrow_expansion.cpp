@@ -36,22 +36,18 @@ WordMatrix quotients_of_simplest(WordRatio low, WordRatio high) {
 
 NarrowExpansion::NarrowExpansion(mpz_srcptr lower, unsigned long interval_width,
                                  mp_bitcnt_t binary_places)
-    : end(lower, lower), width(interval_width), places(binary_places) {
+    : width(interval_width), places(binary_places) {
   // Nothing grows beyond that.
   for (Integer* each : {&end.n, &end.d, &other.n, &other.d, &scratch, &k, &k0})
     mpz_realloc2(*each, places + 128);
+  // The first quotient is the floor, whatever it is.
+  mpz_setbit(end.n, places);
+  mpz_fdiv_r_2exp(end.d, lower, places);
 }
 
 bool NarrowExpansion::split_all() {
-  // The first quotient is the floor, whatever it is.
-  mpz_set_ui(end.n, 0);
-  mpz_setbit(end.n, places);
-  mpz_fdiv_r_2exp(end.d, end.d, places);
   mpz_add_ui(scratch, end.d, width);
   if (mpz_sgn(end.d.get()) == 0 || mpz_cmp(scratch, end.n) >= 0) return false;
-  mpz_set_ui(k, 1);
-  is_odd = true;
-
   mp_bitcnt_t part = 0;
   for (bool is_ahead = true; is_ahead;) {
     set_rest(other, width);

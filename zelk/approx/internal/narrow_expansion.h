@@ -35,8 +35,8 @@ class NarrowExpansion {
   Ratio end;  // what is left of the lower end
   unsigned long width;
   mp_bitcnt_t places;
-  Integer k, k0;  // as in QuotientMatrix
-  bool is_odd = false;
+  Integer k{1UL}, k0;  // as in QuotientMatrix, of one quotient at first
+  bool is_odd = true;
   Ratio other;
   Integer scratch;
 };
