@@ -52,7 +52,7 @@ struct Descents {
   /// Until one of them comes to the table or its end, or all fit half words. Beyond the table the
   /// order of steps does not matter.
   void advance_all() {
-    while (std::ranges::min(a) > gcd_cache_limit && std::ranges::min(b) > 1 &&
+    while (least(a) > gcd_cache_limit && least(b) > 1 &&
            (sizeof(Word) == sizeof(std::uint32_t) || !fit_half()))
       for (std::size_t i = 0; i < n; ++i) advance(i);
   }
@@ -63,10 +63,20 @@ struct Descents {
     b[i] = remainder;
   }
 
-  bool fit_half() const { return std::ranges::max(a) <= std::numeric_limits<std::uint32_t>::max(); }
+  bool fit_half() const {
+    return *std::max_element(a.begin(), a.end()) <= std::numeric_limits<std::uint32_t>::max();
+  }
 
   std::array<Word, n> a, b;
+
+ private:
+  // Not those of std::ranges: unless optimised away they are unique symbols, and a plugin that has
+  // one stays loaded.
+  static Word least(std::array<Word, n> const& words) {
+    return *std::min_element(words.begin(), words.end());
+  }
 };
+
 }  // namespace
 
 long enter_gcd(long a, long b) {
@@ -99,13 +109,13 @@ std::array<long, sizeof...(Pairs)> descend_together(Pairs... pairs) {
   whole.advance_all();
   if (whole.fit_half()) {
     Descents<std::uint32_t, n> half;
-    std::ranges::copy(whole.a, half.a.begin());
-    std::ranges::copy(whole.b, half.b.begin());
+    std::copy(whole.a.begin(), whole.a.end(), half.a.begin());
+    std::copy(whole.b.begin(), whole.b.end(), half.b.begin());
     half.advance_all();
     for (std::size_t i = 0; i < n; ++i)
       while (half.a[i] > gcd_cache_limit && half.b[i] > 1) half.advance(i);
-    std::ranges::copy(half.a, whole.a.begin());
-    std::ranges::copy(half.b, whole.b.begin());
+    std::copy(half.a.begin(), half.a.end(), whole.a.begin());
+    std::copy(half.b.begin(), half.b.end(), whole.b.begin());
   }
   for (std::size_t i = 0; i < n; ++i) {
     // In the table the order counts: a pair that stands there is looked at as it was given.
