@@ -44,6 +44,11 @@ assert zelk.__version__ == importlib.metadata.version("zelk")
 assert zelk.best("pi", 100) == zelk.simplest("311/99", "311/99")' || die 'Python cannot use it'
 fi
 
+# The checker has a verdict only on what it has read.
+status=0
+(ulimit -v 100000 && head -c 64M /dev/zero | moved/static/bin/zelk-check-certificate) 2>told >&2 || status=$?
+[[ $status == 2 && $(<told) == 'check_certificate: -: out of memory' ]] || die "out of memory is not told: $(<told)"
+
 # Every header is installed but those of the internal/ folders.
 (cd "$root" && find zelk -name '*.h' -not -path '*/internal/*') | sort >headers
 for kind in static shared; do
