@@ -244,19 +244,19 @@ def small_chart(table):
     names = list(dict.fromkeys(p for _, row in rows for p in row))
     ratios = [r for _, row in rows for r in row.values()]
     low, high = min(0.8, *ratios) / 1.1, max(ratios) * 1.1
-    x = log_scale(low, high, 330, 830)
+    x = log_scale(low, high, 370, 870)
     bottom = 60 + 24 * len(rows)
-    drawing = Drawing(860, bottom + 45)
-    drawing.legend(330, 24, names)
+    drawing = Drawing(900, bottom + 45)
+    drawing.legend(370, 24, names)
     for tick in (t for t in (0.01, 0.02, 0.05, 0.1, 0.2, 0.5, 1, 2, 5, 10, 20, 50, 100, 200) if low <= t <= high):
         drawing.line([(x(tick), 44), (x(tick), bottom)], "#444444" if tick == 1 else "#dddddd")
         drawing.text(x(tick), bottom + 16, str(tick), "middle")
     for i, (name, row) in enumerate(rows):
-        drawing.text(320, 64 + 24 * i, name, "end")
-        drawing.line([(330, 60 + 24 * i), (830, 60 + 24 * i)], "#eeeeee")
+        drawing.text(360, 64 + 24 * i, name, "end")
+        drawing.line([(370, 60 + 24 * i), (870, 60 + 24 * i)], "#eeeeee")
         for peer, ratio in row.items():
             drawing.dot(x(ratio), 60 + 24 * i, COLOURS[peer])
-    drawing.text(580, bottom + 36, "time relative to zelk", "middle")
+    drawing.text(620, bottom + 36, "time relative to zelk", "middle")
     return str(drawing)
 
 
