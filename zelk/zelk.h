@@ -11,8 +11,8 @@
 ///   object. An object that nobody changes may be read by any number of threads.
 /// - Answers come by value; only who looks at a cache holds a reference into it, for as long as
 ///   its owner lives. Aliased arguments are fine.
-/// - A zero denominator, division by zero and the inverse of zero throw `std::domain_error`, before
-///   anything is written.
+/// - A zero denominator, division by zero and the inverse of zero throw `DivisionByZero`, a
+///   `std::domain_error`, before anything is written.
 /// - When memory that the core allocates itself cannot be had, `std::bad_alloc` is thrown: nothing
 ///   leaks, and every object stays usable with the value it had. GMP's own digits are the
 ///   exception: GMP ends the process when it cannot get memory for them, and its manual defines no
@@ -35,6 +35,7 @@
 #include "zelk/containers/memory_pool.h"
 #include "zelk/containers/object_pool.h"
 #include "zelk/containers/table_view.h"
+#include "zelk/numbers/errors.h"
 #include "zelk/numbers/functions.h"
 #include "zelk/numbers/hash.h"
 #include "zelk/numbers/q_number.h"

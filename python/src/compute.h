@@ -6,6 +6,7 @@
 #include <string>
 
 #include "zelk/convert/text.h"
+#include "zelk/numbers/errors.h"
 
 namespace zelk::python {
 
@@ -17,12 +18,6 @@ namespace py = pybind11;
   throw py::error_already_set();
 }
 
-inline PyObject* type_of(std::domain_error const& error) {
-  std::string_view const reason = error.what();
-  bool const divides = reason.starts_with("division by") || reason.starts_with("a negative power");
-  return divides ? PyExc_ZeroDivisionError : PyExc_ValueError;
-}
-
 /// What `compute` returns; other threads of Python go on meanwhile. `input` tells in messages what
 /// it was computed from.
 template <class Input, class Compute>
@@ -30,8 +25,10 @@ auto compute(Input const& input, Compute const& compute) {
   try {
     py::gil_scoped_release const release;
     return compute();
+  } catch (DivisionByZero const& error) {
+    raise(PyExc_ZeroDivisionError, input(), error.what());
   } catch (std::domain_error const& error) {
-    raise(type_of(error), input(), error.what());
+    raise(PyExc_ValueError, input(), error.what());
   } catch (std::length_error const& error) {
     raise(PyExc_OverflowError, input(), error.what());
   } catch (std::invalid_argument const& error) {

@@ -163,7 +163,7 @@ QNumber compute_quickly(QNumber const& a, QNumber const& b, Input const& input,
   try {
     return answer();
   } catch (std::domain_error const& error) {
-    raise(type_of(error), input(), error.what());
+    raise(PyExc_ValueError, input(), error.what());
   }
 }
 

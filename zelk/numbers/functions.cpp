@@ -1,7 +1,6 @@
 #include "zelk/numbers/functions.h"
 
-#include <stdexcept>
-
+#include "zelk/numbers/errors.h"
 #include "zelk/numbers/integer.h"
 
 namespace zelk {
@@ -38,7 +37,7 @@ QNumber round(QNumber const& q) {
 }
 
 QNumber pow(QNumber const& q, long exponent) {
-  if (exponent < 0 && q.is_zero()) throw std::domain_error("division by zero");
+  if (exponent < 0 && q.is_zero()) throw DivisionByZero("division by zero");
   unsigned long const magnitude = exponent < 0 ? ~static_cast<unsigned long>(exponent) + 1
                                                : static_cast<unsigned long>(exponent);
   // Powers of coprime integers are coprime.

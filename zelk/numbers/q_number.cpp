@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <numeric>
-#include <stdexcept>
 
+#include "zelk/numbers/errors.h"
 #include "zelk/numbers/integer.h"
 #include "zelk/numbers/internal/fixed_number.h"
 #include "zelk/numbers/internal/leading_bits.h"
@@ -87,9 +87,9 @@ class WideView {
   mpz_t own;
 };
 
-/// Throws: std::domain_error when the divisor is 0.
+/// Throws: DivisionByZero when the divisor is 0.
 void require_divisor(mpz_srcptr divisor) {
-  if (mpz_sgn(divisor) == 0) throw std::domain_error("division by zero");
+  if (mpz_sgn(divisor) == 0) throw DivisionByZero("division by zero");
 }
 
 }  // namespace

@@ -60,8 +60,8 @@ struct SharedDigits;
 /// a comparison take O(M(n)) at most; everything else is linear. Fractions are added and multiplied
 /// with as few and as short gcds as can be (Knuth, The Art of Computer Programming, 4.5.1).
 ///
-/// Errors: a zero denominator, division by zero and the inverse of zero throw `std::domain_error`
-/// before anything is written. When a block cannot be had, `std::bad_alloc` is thrown and the
+/// Errors: a zero denominator, division by zero and the inverse of zero throw `DivisionByZero`, a
+/// `std::domain_error`, before anything is written. When a block cannot be had, `std::bad_alloc` is thrown and the
 /// target keeps its value. GMP ends the process when it cannot get memory for the digits
 /// themselves.
 class ZELK_EXPORT QNumber {

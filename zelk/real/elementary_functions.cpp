@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <stdexcept>
 #include <utility>
 
 #include "zelk/approx/simplest.h"
 #include "zelk/numbers/functions.h"
 #include "zelk/numbers/integer.h"
+#include "zelk/real/errors.h"
 #include "zelk/real/internal/composed_functions.h"
 #include "zelk/real/internal/constants.h"
 #include "zelk/real/internal/fixed_point.h"
@@ -46,7 +46,7 @@ class Goal {
   bool is_relative() const { return accuracy.is_relative(); }
 
   void require_room(double bits) const {
-    if (bits > most_bits) throw std::length_error(beyond_limit);
+    if (bits > most_bits) throw TooLong(beyond_limit);
   }
 
  private:
@@ -111,6 +111,12 @@ Value enclose(Goal const& goal, At const& at, long exponent = 0) {
   }
 }
 
+/// A value that is known to lie in `range`: its ends do too.
+Value within(Interval const& range, Value value) {
+  value.bounds = *intersection(value.bounds, range);
+  return value;
+}
+
 /// The interval from the least value to the greatest, with short ends.
 Interval shorten(Value const& least, Value const& greatest) {
   auto [lower, upper] =
@@ -141,14 +147,11 @@ Value const& greater(Value const& a, Value const& b) {
   return a.bounds.upper() < b.bounds.upper() ? b : a;
 }
 
-/// Which multiples of pi/2 lie in x: those from `first` to `last`, counted from 0.
+/// Which multiples of pi/2 lie in x, above its lower end: those from `first` to `last`.
 class QuarterTurns {
  public:
   QuarterTurns(Interval const& x, Constants& constants)
-      : first(quadrant_of(x.lower(), constants)), last(quadrant_of(x.upper(), constants)) {
-    // The only one that is rational is 0.
-    if (!x.lower().is_zero()) first += 1;
-  }
+      : first(quadrant_of(x.lower(), constants) + 1), last(quadrant_of(x.upper(), constants)) {}
 
   /// Whether one of them is `remainder` modulo `modulus`.
   bool include(long remainder, long modulus) const {
@@ -176,7 +179,7 @@ Interval wave_image(Interval const& x, long top, Constants& constants, ValueAt c
                  has_top ? exactly(1) : greater(at_lower, at_upper));
 }
 
-[[noreturn]] void refuse(char const* what) { throw std::domain_error(what); }
+[[noreturn]] void refuse(char const* what) { throw Undefined(what); }
 
 }  // namespace
 
@@ -218,14 +221,16 @@ Interval ElementaryFunctions::root(Interval const& x, unsigned long degree, Accu
 Interval ElementaryFunctions::sin(Interval const& x, Accuracy accuracy) {
   Goal const goal(accuracy, most_bits);
   return wave_image(x, 1, *constants, [&](QNumber const& point) {
-    return enclose(goal, [&](long bits) { return sin_at(point, bits, *constants); });
+    return within({-1, 1},
+                  enclose(goal, [&](long bits) { return sin_at(point, bits, *constants); }));
   });
 }
 
 Interval ElementaryFunctions::cos(Interval const& x, Accuracy accuracy) {
   Goal const goal(accuracy, most_bits);
   return wave_image(x, 0, *constants, [&](QNumber const& point) {
-    return enclose(goal, [&](long bits) { return cos_at(point, bits, *constants); });
+    return within({-1, 1},
+                  enclose(goal, [&](long bits) { return cos_at(point, bits, *constants); }));
   });
 }
 
@@ -273,14 +278,16 @@ Interval ElementaryFunctions::cosh(Interval const& x, Accuracy accuracy) {
   Goal const goal(accuracy, most_bits);
   return monotone_image(magnitudes(x), true, [&](QNumber const& point) {
     auto const at = [&](long bits) { return cosh_at(point, bits, *constants); };
-    return enclose(goal, at, exponent_of_exp(point));
+    auto const value = enclose(goal, at, exponent_of_exp(point));
+    return within({1, value.bounds.upper()}, value);
   });
 }
 
 Interval ElementaryFunctions::tanh(Interval const& x, Accuracy accuracy) {
   Goal const goal(accuracy, most_bits);
   return monotone_image(x, true, [&](QNumber const& point) {
-    return enclose(goal, [&](long bits) { return tanh_at(point, bits, *constants); });
+    return within({-1, 1},
+                  enclose(goal, [&](long bits) { return tanh_at(point, bits, *constants); }));
   });
 }
 
@@ -290,7 +297,7 @@ Interval ElementaryFunctions::power(Interval const& x, QNumber const& exponent, 
   bool const is_odd = mpz_odd_p(exponent.numerator().get()) != 0;
   if (!exponent.is_integer() && x.lower().sign() < 0)
     refuse("fractional power of what is negative");
-  if (is_negative && x.contains(0)) refuse("negative power of 0");
+  if (is_negative && x.contains(0)) throw DivisionByZero("negative power of 0");
   Goal const goal(accuracy, most_bits);
   auto const value_at = [&](QNumber const& point) {
     if (point.is_zero()) return exactly(0);
@@ -301,8 +308,7 @@ Interval ElementaryFunctions::power(Interval const& x, QNumber const& exponent, 
     };
     return enclose(goal, at, exponent_of_pow(size, exponent, *constants));
   };
-  bool const is_even = exponent.is_integer() && !is_odd;
-  return monotone_image(is_even ? magnitudes(x) : x, !is_negative, value_at);
+  return monotone_image(is_odd ? x : magnitudes(x), !is_negative, value_at);
 }
 
 Interval ElementaryFunctions::pow(Interval const& x, Interval const& y, Accuracy accuracy) {

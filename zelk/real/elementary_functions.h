@@ -12,7 +12,8 @@ namespace zelk::real {
 class Constants;
 
 /// Between an end of an answer and the true value lie more than 10^-digits / 2^(this + 8), or that
-/// times the value, unless the end is 0 or the value itself. Proofs of answers rest on it.
+/// times the value, unless the end is 0, the value itself, or what no value of the function passes:
+/// 1 and -1 for sin, cos and tanh, 1 for cosh. Proofs of answers rest on it.
 inline constexpr long answer_margin_bits = 32;
 
 /// The elementary functions over intervals.
@@ -20,11 +21,12 @@ inline constexpr long answer_margin_bits = 32;
 /// An answer holds every value that the function takes on x. Its ends are within the accuracy asked
 /// for of the least and the greatest such value, and rational numbers that are short for that; of a
 /// point the interval is at most 10^-digits wide, or 10^-digits times the value. A value known to
-/// be rational is given exactly: sqrt(4) is [2, 2] and exp(0) is [1, 1].
+/// be rational is given exactly: sqrt(4) is [2, 2] and exp(0) is [1, 1]. No end of sin, cos and
+/// tanh lies beyond 1 and -1, and none of cosh below 1.
 ///
-/// A function that is not defined on all of x throws `std::domain_error`: nothing is clipped.
-/// `std::length_error` is thrown, before the work, when a result would have more than `max_bits`
-/// bits, as exp(10^10) would, or its exponent would.
+/// A function that is not defined on all of x throws `Undefined`, and where that is a division by 0
+/// `DivisionByZero`: nothing is clipped. `TooLong` is thrown, before the work, when a result would
+/// have more than `max_bits` bits, as exp(10^10) would, or its exponent would.
 ///
 /// pi and log 2 are kept at the best precision that a call needed, so an object is for one thread
 /// at a time; distinct objects may be used by distinct threads.
@@ -50,27 +52,27 @@ class ZELK_EXPORT ElementaryFunctions {
 
   Interval exp(Interval const& x, Accuracy accuracy);
 
-  /// The natural logarithm. Throws: std::domain_error unless x > 0.
+  /// The natural logarithm. Throws: Undefined unless x > 0.
   Interval log(Interval const& x, Accuracy accuracy);
 
-  /// Throws: std::domain_error if x holds negative numbers and the degree is even, or if it is 0.
+  /// Throws: Undefined if x holds negative numbers and the degree is even, or if it is 0.
   /// Roots of odd degree are taken of negative numbers too.
   Interval root(Interval const& x, unsigned long degree, Accuracy accuracy);
   Interval sqrt(Interval const& x, Accuracy accuracy) { return root(x, 2, accuracy); }
 
   /// x^y. Where y is a point: for integers and every x, but 0 to a negative power; for fractions
   /// and x >= 0, or x > 0 if y is negative. Otherwise e^(y log x), for x > 0. Elsewhere it throws
-  /// std::domain_error. A rational value is exact unless it is many times longer than the accuracy
-  /// calls for.
+  /// Undefined, or DivisionByZero for a negative power of 0. A rational value is exact unless it is
+  /// many times longer than the accuracy calls for.
   Interval pow(Interval const& x, Interval const& y, Accuracy accuracy);
 
   Interval sin(Interval const& x, Accuracy accuracy);
   Interval cos(Interval const& x, Accuracy accuracy);
 
-  /// Throws: std::domain_error if a pole lies in x.
+  /// Throws: Undefined if a pole lies in x.
   Interval tan(Interval const& x, Accuracy accuracy);
 
-  /// Throws: std::domain_error unless -1 <= x <= 1.
+  /// Throws: Undefined unless -1 <= x <= 1.
   Interval asin(Interval const& x, Accuracy accuracy);
   Interval acos(Interval const& x, Accuracy accuracy);
 

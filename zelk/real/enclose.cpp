@@ -161,17 +161,15 @@ std::optional<QNumber> best_nearest(ElementaryFunctions& functions, Expression c
   return best(functions, expression, limit, most_digits, na::best_nearest);
 }
 
-std::optional<int> sign(ElementaryFunctions& functions, Expression const& expression,
-                        unsigned most_digits) {
+std::optional<std::strong_ordering> sign(ElementaryFunctions& functions,
+                                         Expression const& expression, unsigned most_digits) {
   return decision(functions, expression, 0, most_digits,
                   [](Interval const&, Signs signs) { return signs.only(); });
 }
 
 std::optional<std::strong_ordering> compare(ElementaryFunctions& functions, Expression const& a,
                                             Expression const& b, unsigned most_digits) {
-  auto const order = sign(functions, a - b, most_digits);
-  if (!order) return std::nullopt;
-  return *order <=> 0;
+  return sign(functions, a - b, most_digits);
 }
 
 }  // namespace zelk::real

@@ -8,6 +8,7 @@
 #include "zelk/numbers/q_number.h"
 #include "zelk/real/accuracy.h"
 #include "zelk/real/elementary_functions.h"
+#include "zelk/real/errors.h"
 #include "zelk/real/expression.h"
 #include "zelk/real/interval.h"
 
@@ -23,11 +24,12 @@
 /// has its sign at once, and significant digits as far as there is room for the zeros before them.
 /// And an interval put into the expression has a width that remains.
 ///
-/// Errors, of all functions here: `std::domain_error` if an operation is not defined on all of its
-/// operands, or if it has been given up to tell, as for log(sin(1)^2 + cos(1)^2 - 1);
-/// `std::length_error` if, likewise, a number would have more bits than functions.max_bits()
-/// allows, or an exact power or product more than an eighth of that, since it takes several times
-/// the room of its result; `std::invalid_argument` if the expression has a variable.
+/// Errors, of all functions here (zelk/real/errors.h): `Undefined` or `DivisionByZero` if an
+/// operation is not defined on all of its operands, and `NotDecided` if it has been given up to
+/// tell, as for log(sin(1)^2 + cos(1)^2 - 1); `TooLong` if a number would have more bits than
+/// functions.max_bits() allows, or an exact power or product more than an eighth of that, since it
+/// takes several times the room of its result, or if it has been given up to tell;
+/// `std::invalid_argument` if the expression has a variable.
 ///
 /// Cost: all operations at a precision slightly above what is asked for, and again, at least half
 /// as precise again, for as long as digits are missing: usually once or twice in all, and in total
@@ -36,7 +38,7 @@ namespace zelk::real {
 
 inline constexpr unsigned default_most_digits = 10000;
 
-struct Enclosure {
+struct [[nodiscard]] Enclosure {
   Interval bounds;
 
   /// Whether they are as near to each other as the accuracy asks. If not, the cause is an interval
@@ -63,7 +65,7 @@ ZELK_EXPORT Enclosure enclose(ElementaryFunctions& functions, Expression const& 
                               Steps* steps = nullptr);
 
 /// The beginning of a continued fraction, canonical: floors, and the last of several at least 2.
-struct Terms {
+struct [[nodiscard]] Terms {
   std::vector<QNumber> terms;
 
   /// Whether it is all of it, which only a rational number has.
@@ -77,33 +79,34 @@ ZELK_EXPORT Terms terms(ElementaryFunctions& functions, Expression const& expres
                         std::size_t count, unsigned most_digits = default_most_digits);
 
 /// The convergents of those.
-ZELK_EXPORT std::vector<QNumber> convergents(ElementaryFunctions& functions,
-                                             Expression const& expression, std::size_t count,
-                                             unsigned most_digits = default_most_digits);
+[[nodiscard]] ZELK_EXPORT std::vector<QNumber> convergents(
+    ElementaryFunctions& functions, Expression const& expression, std::size_t count,
+    unsigned most_digits = default_most_digits);
 
 /// The best numbers with denominators up to `limit` in the place of the value, as those of the same
 /// names in zelk/approx/best.h. Nothing if they are not the same for all of an interval, or if it
 /// has been given up to tell, in enclosures with a width of 10^-most_digits / limit^2.
 ///
 /// Throws: also std::domain_error unless limit is an integer from 1 on.
-ZELK_EXPORT std::optional<QNumber> best_below(ElementaryFunctions& functions,
-                                              Expression const& expression, QNumber const& limit,
-                                              unsigned most_digits = default_most_digits);
-ZELK_EXPORT std::optional<QNumber> best_above(ElementaryFunctions& functions,
-                                              Expression const& expression, QNumber const& limit,
-                                              unsigned most_digits = default_most_digits);
-ZELK_EXPORT std::optional<QNumber> best_nearest(ElementaryFunctions& functions,
-                                                Expression const& expression, QNumber const& limit,
-                                                unsigned most_digits = default_most_digits);
+[[nodiscard]] ZELK_EXPORT std::optional<QNumber> best_below(
+    ElementaryFunctions& functions, Expression const& expression, QNumber const& limit,
+    unsigned most_digits = default_most_digits);
+[[nodiscard]] ZELK_EXPORT std::optional<QNumber> best_above(
+    ElementaryFunctions& functions, Expression const& expression, QNumber const& limit,
+    unsigned most_digits = default_most_digits);
+[[nodiscard]] ZELK_EXPORT std::optional<QNumber> best_nearest(
+    ElementaryFunctions& functions, Expression const& expression, QNumber const& limit,
+    unsigned most_digits = default_most_digits);
 
-/// 1 if the value is positive, or all of an interval is; -1 if negative; 0 if it is known to be 0.
-/// Nothing if an interval holds numbers of several signs, or if it has been given up to tell.
-ZELK_EXPORT std::optional<int> sign(ElementaryFunctions& functions, Expression const& expression,
-                                    unsigned most_digits = default_most_digits);
+/// How the value, or all of an interval, compares with 0. Nothing if an interval holds numbers of
+/// several signs, or if it has been given up to tell.
+[[nodiscard]] ZELK_EXPORT std::optional<std::strong_ordering> sign(
+    ElementaryFunctions& functions, Expression const& expression,
+    unsigned most_digits = default_most_digits);
 
-/// The sign of a - b, as an order.
-ZELK_EXPORT std::optional<std::strong_ordering> compare(ElementaryFunctions& functions,
-                                                        Expression const& a, Expression const& b,
-                                                        unsigned most_digits = default_most_digits);
+/// How a compares with b: the sign of a - b.
+[[nodiscard]] ZELK_EXPORT std::optional<std::strong_ordering> compare(
+    ElementaryFunctions& functions, Expression const& a, Expression const& b,
+    unsigned most_digits = default_most_digits);
 
 }  // namespace zelk::real

@@ -52,7 +52,7 @@ enum class Kind : unsigned char {
 /// Requires: an expression that was moved from is not used before another is assigned to it.
 /// Cost: an operation copies its right operand, and its left one unless that is an rvalue: a sum
 /// may grow by `s = std::move(s) + term`, however long. No depth is too great.
-class ZELK_EXPORT Expression {
+class [[nodiscard]] ZELK_EXPORT Expression {
  public:
   /// A constant: whatever converts to an interval, machine integers and rationals among them.
   template <class T>
@@ -69,10 +69,7 @@ class ZELK_EXPORT Expression {
   Expression at(Interval const& x) const;
 
   /// An operation on one operand, or on two. Requires: the kind takes so many.
-  static Expression combined(Kind kind, Expression operand) {
-    operand.kinds.push_back(kind);
-    return operand;
-  }
+  static Expression combined(Kind kind, Expression operand);
   static Expression combined(Kind kind, Expression left, Expression const& right);
 
   friend Expression operator-(Expression x) { return combined(Kind::negative, std::move(x)); }
@@ -90,11 +87,9 @@ class ZELK_EXPORT Expression {
   }
 
   /// The formula in postfix order, each operation after its operands, and the constants in the
-  /// order in which they occur. Requires: each operation finds its operands, one remains in the
-  /// end, and there are as many constants as numbers.
-  static Expression from_postfix(std::vector<Kind> postfix, std::vector<Interval> numbers) {
-    return {std::move(postfix), std::move(numbers)};
-  }
+  /// order in which they occur. Throws: std::invalid_argument unless each operation finds its
+  /// operands, one value remains in the end, and there are as many constants as numbers.
+  static Expression from_postfix(std::vector<Kind> postfix, std::vector<Interval> numbers);
   std::vector<Kind> const& postfix() const ZELK_LIFETIMEBOUND { return kinds; }
   std::vector<Interval> const& numbers() const ZELK_LIFETIMEBOUND { return constants; }
 

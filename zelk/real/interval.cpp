@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "zelk/numbers/errors.h"
 #include "zelk/numbers/functions.h"
 
 namespace zelk::real {
@@ -30,13 +31,13 @@ Interval operator*(Interval const& a, Interval const& b) {
 }
 
 Interval operator/(Interval const& a, Interval const& b) {
-  if (b.sign() == 0) throw std::domain_error("division by an interval that holds 0");
+  if (b.sign() == 0) throw DivisionByZero("division by an interval that holds 0");
   return a * Interval(b.upper().inv(), b.lower().inv());
 }
 
 Interval pow(Interval const& x, long exponent) {
   if (exponent < 0 && x.sign() == 0)
-    throw std::domain_error("a negative power of an interval that holds 0");
+    throw DivisionByZero("a negative power of an interval that holds 0");
   QNumber const low = zelk::pow(x.lower(), exponent);
   if (x.is_point()) return low;
   QNumber const high = zelk::pow(x.upper(), exponent);

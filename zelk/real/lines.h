@@ -12,7 +12,7 @@
 namespace zelk::real {
 
 /// slope * x + intercept.
-struct Line {
+struct [[nodiscard]] Line {
   QNumber slope;
   QNumber intercept;
 
@@ -29,7 +29,7 @@ ZELK_EXPORT Line chord_above_exp(ElementaryFunctions& functions, Interval const&
                                  Accuracy accuracy);
 
 /// A line on each side.
-struct LinePair {
+struct [[nodiscard]] LinePair {
   Line below;
   Line above;
 };

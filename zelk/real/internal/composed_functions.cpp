@@ -109,17 +109,14 @@ Interval pow_at(QNumber const& x, QNumber const& y, long bits, Constants& consta
   // Of that length is any answer.
   long const length = bits + std::max(0L, exponent_of_pow(x, y, constants));
   // Of irreducible p/q, x^(p/q) is rational only if x is the q-th power of a rational.
-  auto const small_degree = small_exponent(x, degree, length);
-  auto const base = small_degree
-                        ? root_at(x, static_cast<unsigned long>(*small_degree), 64, constants)
-                        : Interval(0, 1);
-  if (base.is_point())
-    if (auto const exponent = small_exponent(base.lower(), numerator, length))
-      return zelk::pow(base.lower(), *exponent);
-  if (small_degree)
+  if (auto const root = rational_root(x, degree)) {
+    if (auto const exponent = small_exponent(*root, numerator, length))
+      return zelk::pow(*root, *exponent);
+  } else if (auto const small_degree = small_exponent(x, degree, length)) {
     if (auto const exponent = small_exponent(x, numerator, length))
       return root_at(zelk::pow(x, *exponent), static_cast<unsigned long>(*small_degree), bits,
                      constants);
+  }
   return pow_by_logarithm(x, y, bits, constants);
 }
 

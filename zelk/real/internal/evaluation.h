@@ -29,8 +29,8 @@ struct Undecided {
 
 /// The natural interval extension of the expression.
 ///
-/// Throws: std::domain_error if an operation is certainly not defined on all of its operands;
-/// std::length_error if a result would certainly be too long; std::invalid_argument if the
+/// Throws: Undefined or DivisionByZero if an operation is certainly not defined on all of its
+/// operands; TooLong if a result would certainly be too long; std::invalid_argument if the
 /// expression has a variable.
 ///
 /// Where `parts` are asked for, they become what encloses each part, in postfix order.

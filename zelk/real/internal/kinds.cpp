@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "zelk/numbers/functions.h"
+#include "zelk/real/errors.h"
 
 namespace zelk::real {
 
@@ -109,7 +110,7 @@ Value power(Precision const& precision, Operands x) {
   if (exponent.is_number() && exponent.is_exact())
     return rational_power(precision, base, exponent.lower_end().lower());
   if (base.outer().lower().sign() <= 0)
-    throw std::domain_error("power of what is not positive to what is not known to be rational");
+    throw Undefined("power of what is not positive to what is not known to be rational");
   Value const logarithm[] = {
       apply<&ElementaryFunctions::log, where_zeros_matter>(precision, Operands(&base, 1))};
   Value const factors[] = {exponent, logarithm[0]};
@@ -128,7 +129,7 @@ Value root(Precision const& precision, Operands x) {
   auto const& degree = x[1].lower_end().lower();
   if (!x[1].is_number() || !x[1].is_exact() || !degree.is_integer() || degree.sign() <= 0 ||
       !mpz_fits_ulong_p(degree.numerator()))
-    throw std::domain_error("the degree of a root is not known to be a positive integer");
+    throw Undefined("the degree of a root is not known to be a positive integer");
   return root_of_degree(precision, x[0], mpz_get_ui(degree.numerator()));
 }
 

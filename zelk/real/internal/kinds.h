@@ -17,7 +17,7 @@ struct Row {
   unsigned arity;
 
   /// From the values of the operands that of the operation; null for numbers, which have theirs.
-  /// Throws: std::domain_error if there may be none, std::length_error if it is too long.
+  /// Throws: Undefined or DivisionByZero if there may be none, TooLong if it is too long.
   Value (*evaluate)(Precision const& precision, Operands operands);
 
   /// From the signs that the operands may have those that the operation may have.

@@ -2,7 +2,7 @@
 
 namespace zelk::real {
 
-/// Why a `std::length_error` is thrown.
+/// Why a `TooLong` is thrown.
 inline constexpr char beyond_limit[] = "a result would have more bits than the limit allows";
 
 }  // namespace zelk::real

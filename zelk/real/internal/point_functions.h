@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "zelk/numbers/q_number.h"
 #include "zelk/real/interval.h"
 
@@ -13,6 +15,7 @@ namespace zelk::real {
 
 class Constants;
 
+/// Requires: x < 2^61.
 Interval exp_at(QNumber const& x, long bits, Constants& constants);
 
 /// Requires: x > 0.
@@ -25,6 +28,9 @@ Interval pi_at(long bits, Constants& constants);
 
 /// The root of that degree; exact where it is rational. Requires: x >= 0 and degree >= 1.
 Interval root_at(QNumber const& x, unsigned long degree, long bits, Constants& constants);
+
+/// The root, where it is rational. Requires: x > 0.
+std::optional<QNumber> rational_root(QNumber const& x, QNumber const& degree);
 
 /// floor(x / (pi/2)), certain: the sum of k pi/2 and a number in [0, pi/2) is x.
 QNumber quadrant_of(QNumber const& x, Constants& constants);

@@ -2,9 +2,9 @@
 
 #include <climits>
 #include <limits>
-#include <stdexcept>
 
 #include "zelk/numbers/functions.h"
+#include "zelk/real/errors.h"
 #include "zelk/real/internal/fixed_point.h"
 #include "zelk/real/internal/limit.h"
 #include "zelk/real/internal/outward.h"
@@ -47,12 +47,12 @@ Precision::Precision(ElementaryFunctions& functions, unsigned long wanted, bool 
 
 void Precision::require_digits(ElementaryFunctions const& functions, unsigned long digits) {
   if (digits > std::numeric_limits<unsigned>::max() / 2)
-    throw std::length_error("more digits are needed than can be counted");
+    throw TooLong("more digits are needed than can be counted");
   require_room(functions, bits_of_digits(digits));
 }
 
 void Precision::require_room(ElementaryFunctions const& functions, double result_bits) {
-  if (result_bits * room_for_products > functions.max_bits()) throw std::length_error(beyond_limit);
+  if (result_bits * room_for_products > functions.max_bits()) throw TooLong(beyond_limit);
 }
 
 /// Outward, to `bits` bits below the magnitude of x, or below 2^least_magnitude if that is greater.

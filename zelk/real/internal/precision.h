@@ -20,7 +20,7 @@ class Precision {
  public:
   /// For so many digits; with `keep_zeros` of values near 0 too, as far as that can be afforded.
   /// Requires: wanted >= 1, and `functions` live longer.
-  /// Throws: std::length_error if so many digits are beyond the limit of the functions.
+  /// Throws: TooLong if so many digits are beyond the limit of the functions.
   Precision(ElementaryFunctions& functions, unsigned long wanted, bool keep_zeros);
 
   ElementaryFunctions& functions() const { return *answers; }
@@ -46,11 +46,11 @@ class Precision {
   /// Whether a value that begins with so many zeros is computed with significant digits.
   bool has_room_for_zeros(double zeros) const { return zeros <= most_zeros; }
 
-  /// Throws: std::length_error if a result of so many bits cannot be afforded. Products, and powers
+  /// Throws: TooLong if a result of so many bits cannot be afforded. Products, and powers
   /// all the more, take several times the room of their results.
   void require_room(double result_bits) const { require_room(*answers, result_bits); }
 
-  /// Throws: std::length_error if so many digits are beyond the limit of the functions.
+  /// Throws: TooLong if so many digits are beyond the limit of the functions.
   static void require_digits(ElementaryFunctions const& functions, unsigned long digits);
 
  private:

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <variant>
 
 #include "zelk/real/elementary_functions.h"
 #include "zelk/real/enclose.h"
+#include "zelk/real/errors.h"
 #include "zelk/real/expression.h"
 #include "zelk/real/internal/evaluation.h"
 #include "zelk/real/internal/fixed_point.h"
@@ -30,8 +30,8 @@ inline bool is_hopeless(QNumber const& width, unsigned long most_digits) {
 [[noreturn]] inline void give_up(Undecided const& undecided, unsigned most_digits) {
   auto const reason =
       undecided.reason + ", perhaps: " + std::to_string(most_digits) + " digits do not tell";
-  if (undecided.is_length) throw std::length_error(reason);
-  throw std::domain_error(reason);
+  if (undecided.is_length) throw TooLong(reason);
+  throw NotDecided(reason);
 }
 
 /// Evaluates the expression ever more precisely, first for an error of 10^-digits, until `judge`
@@ -42,8 +42,8 @@ inline bool is_hopeless(QNumber const& width, unsigned long most_digits) {
 ///
 /// Where `steps` are asked for, they become those of the last evaluation.
 ///
-/// Throws: also std::domain_error if it is given up to tell whether an operation is defined, or
-/// std::length_error whether it is short enough, or if what is divided by is too near to 0.
+/// Throws: also NotDecided if it is given up to tell whether an operation is defined, or TooLong
+/// whether it is short enough, or if what is divided by is too near to 0.
 template <class Judge>
 void refine(ElementaryFunctions& functions, Expression const& expression, unsigned long digits,
             unsigned most_digits, Judge const& judge, Steps* steps = nullptr) {
@@ -73,7 +73,7 @@ void refine(ElementaryFunctions& functions, Expression const& expression, unsign
         continue;
       }
       if (is_hopeless(width, most_digits)) {
-        if (std::holds_alternative<Undecided>(result)) throw std::length_error(beyond_limit);
+        if (std::holds_alternative<Undecided>(result)) throw TooLong(beyond_limit);
         return;
       }
     }

@@ -12,18 +12,6 @@ namespace {
 /// From where on GMP's root takes longer than a logarithm and an exponential.
 constexpr unsigned long high_degree = 40;
 
-/// A root that is rational is one of both parts.
-std::optional<QNumber> rational_root(QNumber const& x, unsigned long degree) {
-  Integer numerator, denominator;
-  if (degree == 2 &&
-      (mpz_perfect_square_p(x.denominator()) == 0 || mpz_perfect_square_p(x.numerator()) == 0))
-    return std::nullopt;
-  if (mpz_root(denominator, x.denominator(), degree) == 0 ||
-      mpz_root(numerator, x.numerator(), degree) == 0)
-    return std::nullopt;
-  return QNumber::from_lowest_terms({numerator, denominator});
-}
-
 /// e^(log x / degree).
 Interval root_by_logarithm(QNumber const& x, unsigned long degree, long bits,
                            Constants& constants) {
@@ -37,6 +25,21 @@ Interval root_by_logarithm(QNumber const& x, unsigned long degree, long bits,
 }
 
 }  // namespace
+
+std::optional<QNumber> rational_root(QNumber const& x, QNumber const& degree) {
+  // It is one of both parts, and one of them is a power of 2 or more, unless x is 1.
+  auto const size = std::max(mpz_sizeinbase(x.numerator(), 2), mpz_sizeinbase(x.denominator(), 2));
+  if (x == 1) return x;
+  if (!(degree < QNumber(size))) return std::nullopt;
+  unsigned long const n = mpz_get_ui(degree.numerator());
+  Integer numerator, denominator;
+  if (n == 2 &&
+      (mpz_perfect_square_p(x.denominator()) == 0 || mpz_perfect_square_p(x.numerator()) == 0))
+    return std::nullopt;
+  if (mpz_root(denominator, x.denominator(), n) == 0 || mpz_root(numerator, x.numerator(), n) == 0)
+    return std::nullopt;
+  return QNumber::from_lowest_terms({numerator, denominator});
+}
 
 Interval root_at(QNumber const& x, unsigned long degree, long bits, Constants& constants) {
   if (x.is_zero() || degree == 1) return x;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <optional>
 #include <span>
 
@@ -18,9 +19,9 @@ struct Signs {
   }
 
   /// The sign, if there is only one.
-  std::optional<int> only() const {
+  std::optional<std::strong_ordering> only() const {
     if (negative + zero + positive != 1) return std::nullopt;
-    return positive - negative;
+    return positive <=> negative;
   }
 
   friend Signs operator&(Signs a, Signs b) {

@@ -17,9 +17,8 @@ Interval shifted_cosine(QNumber const& x, unsigned long shift, int sign, long bi
   bits = std::max(bits, 0L);
   mp_size_t const n = chord_limbs(static_cast<unsigned long>(bits) + 2);
   long const precision = n * GMP_NUMB_BITS;
-  unsigned long const error_bits = chord_error_bits(n);
   // |x| = k pi/2 + r with 0 <= r < pi/2, or nearly so; r in halves of units
-  long const guard = std::max(magnitude(x), 0L) + 4;
+  long const guard = std::max(magnitude(x), 0L);
   Integer r, pi, k;
   floor_scaled(r, abs(x), precision + guard + 1);
   constants.pi(pi, static_cast<unsigned long>(precision + guard));
@@ -29,22 +28,13 @@ Interval shifted_cosine(QNumber const& x, unsigned long shift, int sign, long bi
   unsigned long const turns = (mpz_fdiv_ui(k, 4) + 4 - shift) % 4;
   if (turns % 2 == 1) mpz_sub(r, pi, r);
   mpz_fdiv_q_2exp(r, r, static_cast<unsigned long>(guard) + 1);
-  if (mpz_sgn(r.get()) < 0) mpz_set_ui(r, 0);
   chord_squared(r, r, n, Chord::circular);
   if (turns == 1 || turns == 2) sign = -sign;
-  // Twice the cosine, moved inward so far that what encloses it ends at ±2.
-  Integer value, limit;
+  Integer value;  // twice the cosine
   mpz_setbit(value, static_cast<unsigned long>(precision) + 1);
-  mpz_setbit(limit, static_cast<unsigned long>(precision) + 1 - error_bits);
   mpz_sub(value, value, r);
-  mpz_sub_ui(limit, limit, 2);
-  mpz_mul_2exp(limit, limit, error_bits);
-  if (mpz_cmpabs(value, limit) > 0) {
-    if (mpz_sgn(value.get()) < 0) sign = -sign;
-    mpz_swap(value, limit);
-  }
   if (sign < 0) mpz_neg(value, value);
-  return enclosure(value, error_bits, precision + 1, bits);
+  return enclosure(value, chord_error_bits(n), precision + 1, bits);
 }
 
 }  // namespace
@@ -61,15 +51,14 @@ Interval sin_at(QNumber const& x, long bits, Constants& constants) {
 
 QNumber quadrant_of(QNumber const& x, Constants& constants) {
   if (x.is_zero()) return {};
-  Integer below, above, least, greatest, pi;
+  Integer scaled, least, greatest, pi;
   for (long bits = 64;; bits *= 2) {
     long const places = bits + std::max(magnitude(x), 0L);
-    floor_scaled(below, abs(x), places + 1);
+    floor_scaled(scaled, abs(x), places + 1);
     constants.pi(pi, static_cast<unsigned long>(places));
-    mpz_add_ui(above, below, 1);
-    mpz_fdiv_q(greatest, above, pi);
+    mpz_fdiv_q(greatest, scaled, pi);
     mpz_add_ui(pi, pi, Constants::units);
-    mpz_fdiv_q(least, below, pi);
+    mpz_fdiv_q(least, scaled, pi);
     if (mpz_cmp(least, greatest) != 0) continue;
     // x is no multiple of pi/2.
     if (x.sign() < 0) mpz_com(least, least);

@@ -1,7 +1,8 @@
 #include "zelk/real/internal/value.h"
 
 #include <algorithm>
-#include <stdexcept>
+
+#include "zelk/numbers/errors.h"
 
 namespace zelk::real {
 
@@ -35,8 +36,8 @@ Value operator*(Value const& a, Value const& b) {
 Value inverse(Value const& x) {
   auto const outer = x.outer();
   if (outer.sign() == 0)
-    throw std::domain_error(outer.is_point() ? "division by 0"
-                                             : "division by an interval that holds 0");
+    throw DivisionByZero(outer.is_point() ? "division by 0"
+                                          : "division by an interval that holds 0");
   auto const inverted = [](Interval const& end) {
     return Interval(end.upper().inv(), end.lower().inv());
   };

@@ -61,7 +61,7 @@ Value operator-(Value const& x);
 Value operator+(Value const& a, Value const& b);
 Value operator*(Value const& a, Value const& b);
 
-/// Throws: std::domain_error if x may be 0.
+/// Throws: DivisionByZero if x may be 0.
 Value inverse(Value const& x);
 
 }  // namespace zelk::real
