@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -12,7 +13,12 @@
 #include "tests/support/random_number.h"
 #include "tests/support/text_form.h"
 #include "zelk/numbers/functions.h"
+#include "zelk/numbers/integer.h"
 #include "zelk/real/errors.h"
+#include "zelk/real/internal/composed_functions.h"
+#include "zelk/real/internal/constants.h"
+#include "zelk/real/internal/fixed_point.h"
+#include "zelk/real/internal/point_functions.h"
 
 namespace zelk::real {
 namespace {
@@ -20,33 +26,42 @@ namespace {
 using test::number;
 using test::to_rational;
 
+using Predicate = bool (*)(Interval const&);
+bool is_any(Interval const&) { return true; }
+bool is_positive(Interval const& x) { return x.lower().sign() > 0; }
+bool is_not_negative(Interval const& x) { return x.lower().sign() >= 0; }
+bool is_within_one(Interval const& x) { return Interval(-1, 1).contains(x); }
+bool is_moderate(Interval const& x) { return Interval(-3000, 3000).contains(x); }
+bool is_from_one_on(Interval const& x) { return x.lower() >= 1; }
+
+Interval sqrt_at(QNumber const& x, long bits, Constants& constants) {
+  return root_at(x, 2, bits, constants);
+}
+
 /// One function by this library and by MPFI, whose intervals are hundreds of digits narrower than
 /// what is compared with them.
 struct Row {
   char const* name;
   Interval (ElementaryFunctions::*own)(Interval const&, Accuracy);
   int (*truth)(mpfi_ptr, mpfi_srcptr);
-  bool (*is_defined)(Interval const&) = [](Interval const&) { return true; };
+  Interval (*at)(QNumber const&, long, Constants&);
+  Predicate is_defined = is_any;
+  Predicate is_possible = is_any;
 };
 
-bool is_positive(Interval const& x) { return x.lower().sign() > 0; }
-bool is_not_negative(Interval const& x) { return x.lower().sign() >= 0; }
-bool is_within_one(Interval const& x) { return Interval(-1, 1).contains(x); }
-bool is_moderate(Interval const& x) { return Interval(-3000, 3000).contains(x); }
-
 Row const rows[] = {
-    {"exp", &ElementaryFunctions::exp, mpfi_exp, is_moderate},
-    {"log", &ElementaryFunctions::log, mpfi_log, is_positive},
-    {"sqrt", &ElementaryFunctions::sqrt, mpfi_sqrt, is_not_negative},
-    {"sin", &ElementaryFunctions::sin, mpfi_sin},
-    {"cos", &ElementaryFunctions::cos, mpfi_cos},
-    {"tan", &ElementaryFunctions::tan, mpfi_tan},
-    {"asin", &ElementaryFunctions::asin, mpfi_asin, is_within_one},
-    {"acos", &ElementaryFunctions::acos, mpfi_acos, is_within_one},
-    {"atan", &ElementaryFunctions::atan, mpfi_atan},
-    {"sinh", &ElementaryFunctions::sinh, mpfi_sinh, is_moderate},
-    {"cosh", &ElementaryFunctions::cosh, mpfi_cosh, is_moderate},
-    {"tanh", &ElementaryFunctions::tanh, mpfi_tanh},
+    {"exp", &ElementaryFunctions::exp, mpfi_exp, exp_at, is_moderate},
+    {"log", &ElementaryFunctions::log, mpfi_log, log_at, is_positive},
+    {"sqrt", &ElementaryFunctions::sqrt, mpfi_sqrt, sqrt_at, is_not_negative},
+    {"sin", &ElementaryFunctions::sin, mpfi_sin, sin_at, is_any, is_within_one},
+    {"cos", &ElementaryFunctions::cos, mpfi_cos, cos_at, is_any, is_within_one},
+    {"tan", &ElementaryFunctions::tan, mpfi_tan, tan_at},
+    {"asin", &ElementaryFunctions::asin, mpfi_asin, asin_at, is_within_one},
+    {"acos", &ElementaryFunctions::acos, mpfi_acos, acos_at, is_within_one},
+    {"atan", &ElementaryFunctions::atan, mpfi_atan, atan_at},
+    {"sinh", &ElementaryFunctions::sinh, mpfi_sinh, sinh_at, is_moderate},
+    {"cosh", &ElementaryFunctions::cosh, mpfi_cosh, cosh_at, is_moderate, is_from_one_on},
+    {"tanh", &ElementaryFunctions::tanh, mpfi_tanh, tanh_at, is_any, is_within_one},
 };
 
 mpq_class rational(mpfr_srcptr x) {
@@ -57,7 +72,7 @@ mpq_class rational(mpfr_srcptr x) {
 
 class Oracle {
  public:
-  Oracle() {
+  explicit Oracle(mpfr_prec_t bits = 5000) : precision(bits) {
     mpfi_init2(point, precision);
     mpfi_init2(image, precision);
   }
@@ -70,9 +85,7 @@ class Oracle {
 
   /// Whether each end of `answer` lies outside of the image, by what the accuracy allows at most.
   void expect(Row const& row, Interval const& x, Accuracy accuracy, Interval const& answer) {
-    mpfi_set_q(point, to_rational(x.lower()).get_mpq_t());
-    mpfi_put_q(point, to_rational(x.upper()).get_mpq_t());
-    row.truth(image, point);
+    evaluate(row, x);
     if (mpfi_inf_p(image) != 0) {
       ADD_FAILURE() << row.name << " has a pole in " << text(x);
       return;
@@ -81,13 +94,25 @@ class Oracle {
                 rational(&image->left));
     expect_near(row, x, accuracy, to_rational(answer.upper()) - rational(&image->right),
                 rational(&image->right));
+    EXPECT_TRUE(row.is_possible(answer)) << row.name << text(x);
     if (x.is_point() && !accuracy.is_relative()) {
       EXPECT_TRUE(to_rational(answer.width()) <= unit(accuracy)) << row.name << text(x);
     }
   }
 
+  /// Whether the value at x lies in there.
+  bool puts(Row const& row, QNumber const& x, Interval const& enclosure) {
+    evaluate(row, x);
+    return rational(&image->left) >= to_rational(enclosure.lower()) &&
+           rational(&image->right) <= to_rational(enclosure.upper());
+  }
+
  private:
-  static constexpr mpfr_prec_t precision = 5000;
+  void evaluate(Row const& row, Interval const& x) {
+    mpfi_set_q(point, to_rational(x.lower()).get_mpq_t());
+    mpfi_put_q(point, to_rational(x.upper()).get_mpq_t());
+    row.truth(image, point);
+  }
 
   static mpq_class unit(Accuracy accuracy) {
     mpz_class power;
@@ -99,9 +124,9 @@ class Oracle {
     return " [" + test::show(x.lower()) + ", " + test::show(x.upper()) + "]";
   }
 
-  static void expect_near(Row const& row, Interval const& x, Accuracy accuracy,
-                          mpq_class const& outside, mpq_class const& value) {
-    mpq_class const error = (1 + abs(value)) / (mpz_class(1) << 4000);
+  void expect_near(Row const& row, Interval const& x, Accuracy accuracy, mpq_class const& outside,
+                   mpq_class const& value) {
+    mpq_class const error = (1 + abs(value)) / (mpz_class(1) << (precision - 1000));
     mpq_class const allowed =
         unit(accuracy) * (accuracy.is_relative() ? mpq_class(abs(value)) : mpq_class(1));
     EXPECT_TRUE(-error <= outside && outside <= allowed + error)
@@ -110,39 +135,23 @@ class Oracle {
         << " at " << value.get_d();
   }
 
+  mpfr_prec_t precision;
   mpfi_t point, image;
 };
 
 /// Near zeros, extrema and poles, where functions are steep or flat, and where words end.
 std::vector<QNumber> hostile_points() {
   std::vector<QNumber> points;
-  for (char const* const text :
-       {"0",
-        "1",
-        "1/2",
-        "1/3",
-        "2",
-        "10",
-        "355/113",
-        "355/226",
-        "104348/33215",
-        "710",
-        "11",
-        "3141592653589793/2000000000000000",
-        "314159265358979323846264338327950288/100000000000000000000000000000000000",
-        "245850922/78256779",
-        "1/1000000000000000000000000000000",
-        "1000000",
-        "10000000000000000000000",
-        "999999999999999999/1000000000000000000",
-        "1000000000000000001/1000000000000000000",
-        "4",
-        "9/16",
-        "2999",
-        "6/5",
-        "9223372036854775807",
-        "12345/7"}) {
-    points.push_back(number(text));
+  std::istringstream texts(
+      "0 1 1/2 1/3 2 10 355/113 355/226 104348/33215 710 11 "
+      "3141592653589793/2000000000000000 "
+      "314159265358979323846264338327950288/100000000000000000000000000000000000 "
+      "245850922/78256779 1/1000000000000000000000000000000 1000000 "
+      "10000000000000000000000 999999999999999999/1000000000000000000 "
+      "1000000000000000001/1000000000000000000 4 9/16 2999 6/5 9223372036854775807 "
+      "12345/7 ");
+  for (std::string text; texts >> text;) {
+    points.push_back(number(text.c_str()));
     points.push_back(-points.back());
   }
   return points;
@@ -194,6 +203,54 @@ TEST(ElementaryFunctions, EncloseTheirImages) {
              relative ? Accuracy::relative(digits) : Accuracy(digits));
     }
   }
+}
+
+// Each by every series that it has: fractions, a short dyadic one, and 10/11, of no small primes.
+TEST(ElementaryFunctions, EncloseTheirImagesToManyDigits) {
+  Oracle oracle(12000);
+  ElementaryFunctions functions;
+  for (auto const& row : rows)
+    for (QNumber const& x : {QNumber(1, 3), QNumber(5, 8), QNumber(10, 11), QNumber(-10, 11)})
+      for (unsigned const digits : {700U, 2500U})
+        if (row.is_defined(x)) oracle.expect(row, x, digits, (functions.*row.own)(x, digits));
+}
+
+TEST(PointFunctions, EncloseAsNarrowlyAsPromised) {
+  Oracle oracle(2500);
+  Constants constants;
+  auto const expect = [&](Row const& row, char const* x, long bits) {
+    auto const found = row.at(number(x), bits, constants);
+    EXPECT_TRUE(oracle.puts(row, number(x), found) && found.width() <= zelk::pow(2, -bits))
+        << row.name << ' ' << x << " to " << bits << " bits";
+  };
+  for (auto const& row : rows)
+    for (long bits = 0; bits < 200; ++bits)
+      for (char const* const x : {"1/3", "10/11"}) expect(row, x, bits);
+  expect(rows[8], "153/536870912", 844);  // where a tangent's bits that are lost count
+  for (long bits = 0; bits < 100; ++bits)
+    EXPECT_LE(root_at(zelk::pow(3, 5000), 41, bits, constants).width(), zelk::pow(2, -bits));
+  for (unsigned long bits = 10; bits < 2000; bits += 30)
+    for (std::size_t i = 0; i < Constants::primes.size(); ++i) {
+      Integer below, above;
+      Constants().log_of_prime(below, i, bits);
+      mpz_add_ui(above, below, Constants::units);
+      Interval const log(dyadic(below, static_cast<long>(bits)),
+                         dyadic(above, static_cast<long>(bits)));
+      EXPECT_TRUE(oracle.puts(rows[1], Constants::primes[i], log)) << i << ' ' << bits;
+    }
+}
+
+// Values within 10^-80 of numbers that are simpler than any other.
+TEST(ElementaryFunctions, KeepTheirEndsAwayFromTheirValues) {
+  ElementaryFunctions f;
+  for (Accuracy const accuracy : {Accuracy(20), Accuracy::relative(1), Accuracy::relative(20)})
+    for (QNumber const& value : {QNumber(2), zelk::pow(2, -40)}) {
+      auto const margin = zelk::pow(10, -static_cast<long>(accuracy.digits())) *
+                          zelk::pow(2, -answer_margin_bits - 8) * std::min(value, QNumber(1));
+      auto const answer = value == 2 ? f.exp(f.log(2, 80).lower(), accuracy)
+                                     : f.sin(f.asin(value, 80).lower(), accuracy);
+      EXPECT_TRUE(answer.lower() + margin < value && value < answer.upper() - margin);
+    }
 }
 
 TEST(ElementaryFunctions, GiveRationalValuesExactly) {

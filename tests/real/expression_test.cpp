@@ -51,7 +51,8 @@ class Expressions : public testing::Test {
 /// By mpmath, whose arithmetic is not this library's.
 struct {
   char const* text;
-  char const* value;  // to 74 places, or digits
+  char const* value;     // to 74 places, or digits
+  bool is_long = false;  // asked for once
 } const numbers[] = {
     {"log(3/2)/log(2)",
      "0.584962500721156181453738943947816508759814407692481060455752654541098227794"},
@@ -90,34 +91,34 @@ struct {
     {"root(-2, 10^15 + 1)",
      "-1.00000000000000069314718055994485649655852061384768266994840485151445918644"},
     // An operand may be beyond the domain, or too great, until there are digits enough.
-    {"exp(10^60*(sin(1)^2 + cos(1)^2 - 1 + 10^-61))",
+    {"exp(10^54*(sin(1)^2 + cos(1)^2 - 1 + 10^-55))",
      "1.10517091807564762481170782649024666822454719473751871879286328944096796674"},
     {"1/cosh(10^60*(sin(1)^2 + cos(1)^2 - 1))", "1"},
     {"asin(10^40*(sin(1)^2 + cos(1)^2 - 1) + 1/2)",
      "0.523598775598298873077107230546583814032861566562517636829157432051302734381"},
-    {"2^(10^60*(sin(1)^2 + cos(1)^2 - 1 + 10^-60))", "2"},
+    {"2^(10^54*(sin(1)^2 + cos(1)^2 - 1 + 10^-54))", "2"},
     // Before the digits stand more zeros than are held at first.
-    {"(2/3)^(2*10^6)*1.5^(2*10^6)", "1"},
+    {"(2/3)^(2*10^6)*1.5^(2*10^6)", "1", true},
     {"exp(-750001)*atan(exp(-10))/(exp(-750000)*atan(exp(-10)))",
-     "0.367879441171442321595523770161460867445811131031767834507836801697461495745"},
+     "0.367879441171442321595523770161460867445811131031767834507836801697461495745", true},
     {"root(2, 1000)",
      "1.00069338746258063253756863930385919570829351098020007150877772317929563141"},
 };
 
 TEST_F(Expressions, HoldTheirNumbersAndAreNarrowAndShort) {
-  for (auto const& [text, value] : numbers) {
+  for (auto const& [text, value, is_long] : numbers) {
     auto const truth = parse_rational(value);
     auto const error = unit(73) * abs(truth);
     for (auto const accuracy : {Accuracy(0), Accuracy(20), Accuracy(60), Accuracy::relative(1),
                                 Accuracy::relative(20), Accuracy::relative(70)}) {
+      if (is_long && accuracy.digits() != 70) continue;
       auto const [found, is_narrow] = enclosure(text, accuracy);
       EXPECT_TRUE(is_narrow && found.lower() <= truth + error && truth - error <= found.upper())
           << text;
       auto const scale = accuracy.is_relative() ? abs(truth) + error : QNumber(1);
       EXPECT_TRUE(found.width() <= scale * unit(accuracy.digits())) << text;
+      EXPECT_LT(test::show(found.lower()).size(), 70 + 2 * accuracy.digits()) << text;
     }
-    auto const size = test::show(enclosure(text, Accuracy::relative(20)).bounds.lower()).size();
-    EXPECT_LT(size, 100U) << text;
   }
 }
 
@@ -286,37 +287,31 @@ TEST_F(Expressions, HaveCertainBestFractions) {
 }
 
 TEST_F(Expressions, AreComparedForCertain) {
+  using Order = std::strong_ordering;
   struct {
     char const* text;
-    char const* sign;
+    std::optional<std::strong_ordering> sign;
   } const rows[] = {
-      {"exp(pi) - pi^e", "1"},
-      {"sin(355)", "-1"},
-      {"exp(-30000)", "1"},
-      {"-10^-300*sin(1)", "-1"},
-      {"1/3 + 1/6 - 1/2", "0"},
-      {"sqrt(2)^2 - 2", "?"},
-      {"exp(pi*sqrt(163)) - 262537412640768744", "-1"},
-      {"2^100000 - 4^50000", "0"},
-      {"[1, 2]", "1"},
-      {"[-1, 2]*pi", "?"},
-      {"[0, 1]", "?"},
-      {"exp(-10^9)", "1"},
-      {"1 - pi - exp(-10^9)^2", "-1"},
-      {"sinh(-exp(-10^9)/pi) + -cosh(-10)^(-10^9)", "-1"},
-      {"(-1/3)^(10^9 + 1)*(0 - sqrt(exp(-10^9)))", "1"},
-      {"exp(-10^9) - exp(-10^9)", "?"},
-      {"10^-199*(sqrt(2)^2 - 2) + 10^-198", "1"},
+      {"exp(pi) - pi^e", Order::greater},
+      {"sin(355)", Order::less},
+      {"exp(-30000)", Order::greater},
+      {"-10^-300*sin(1)", Order::less},
+      {"1/3 + 1/6 - 1/2", Order::equal},
+      {"sqrt(2)^2 - 2", {}},
+      {"exp(pi*sqrt(163)) - 262537412640768744", Order::less},
+      {"2^100000 - 4^50000", Order::equal},
+      {"[1, 2]", Order::greater},
+      {"[-1, 2]*pi", {}},
+      {"[0, 1]", {}},
+      {"exp(-10^9)", Order::greater},
+      {"1 - pi - exp(-10^9)^2", Order::less},
+      {"sinh(-exp(-10^9)/pi) + -cosh(-10)^(-10^9)", Order::less},
+      {"(-1/3)^(10^9 + 1)*(0 - sqrt(exp(-10^9)))", Order::greater},
+      {"exp(-10^9) - exp(-10^9)", {}},
+      {"10^-199*(sqrt(2)^2 - 2) + 10^-198", Order::greater},
   };
-  for (auto const& [text, expected] : rows) {
-    auto const found = sign(functions, parse_expression(text), 200);
-    EXPECT_EQ(!found       ? "?"
-              : *found > 0 ? "1"
-              : *found < 0 ? "-1"
-                           : "0",
-              std::string(expected))
-        << text;
-  }
+  for (auto const& [text, expected] : rows)
+    EXPECT_EQ(sign(functions, parse_expression(text), 200), expected) << text;
   auto const pi = Expression::pi();
   EXPECT_EQ(compare(functions, pi, QNumber(355, 113)), std::strong_ordering::less);
   EXPECT_EQ(compare(functions, 4, sqrt(16)), std::strong_ordering::equal);
@@ -373,6 +368,7 @@ TEST(ExpressionTexts, AreRefusedWhereTheyAreWrong) {
       {"1 + sinn(2)", 5, "unknown name; did you mean sin?"},
       {"Exp(1)", 1, "unknown name; did you mean exp?"},
       {"PI", 1, "unknown name; did you mean pi?"},
+      {"E", 1, "unknown name; did you mean e?"},
       {"y", 1, "unknown name"},
       {"[1, 2", 6, "expected ] after the ends of an interval"},
       {"[1 2]", 4, "expected a comma between the ends of an interval"},
@@ -402,10 +398,10 @@ TEST_F(Expressions, OfManyPartsAreFast) {
   };
   std::string const texts[] = {
       repeated("", "(", 1000000),      repeated("", "(", 500000) + repeated("1", ")", 500000),
-      repeated("1", "+1", 500000),     repeated("", "-", 1000000) + "1",
-      repeated("2", "^2", 500000),     repeated("1", "^[1, 2]", 100000),
+      repeated("1", "+1", 200000),     repeated("", "-", 400000) + "1",
+      repeated("2", "^2", 200000),     repeated("1", "^[1, 2]", 40000),
       repeated("", "sin(", 250000),    repeated("1e1000000", "+1e1000000", 100000),
-      repeated("sin(1", ",1", 500000), repeated("", "f", 1000000),
+      repeated("sin(1", ",1", 200000), repeated("", "f", 1000000),
       repeated("0.", "1", 1000000),
   };
   for (auto const& text : texts) {

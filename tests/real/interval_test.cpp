@@ -84,15 +84,17 @@ TEST(Lines, StayOnTheirSideAndNear) {
   EXPECT_EQ(tangent_below_exp(f, -99, 2), Line{});
 
   for (Interval const& piece : {Interval(0, 3), Interval(-3, 0), Interval({7, 2}, 6), Interval(2)})
-    for (auto const& touch : {piece.lower(), piece.midpoint()}) {
-      auto const [below, above] = lines_around_sin(f, piece, touch, 10);
-      for (auto const& x : samples(piece)) {
-        EXPECT_LE(below(x), f.sin(x, 30).upper());
-        EXPECT_LE(f.sin(x, 30).lower(), above(x));
+    for (auto const& touch : {piece.lower(), QNumber(2, 3) * piece.lower() + piece.upper() / 3})
+      for (unsigned const digits : {0U, 1U, 2U, 10U}) {
+        auto const [below, above] = lines_around_sin(f, piece, touch, digits);
+        for (auto const& x : samples(piece)) {
+          EXPECT_LE(below(x), f.sin(x, 30).upper());
+          EXPECT_LE(f.sin(x, 30).lower(), above(x));
+        }
+        auto const& line = f.sin(piece.midpoint(), 5).sign() > 0 ? above : below;
+        EXPECT_LT(abs(line(touch) - f.sin(touch, 30).lower()),
+                  (1 + 2 * piece.width()) * zelk::pow(10, -static_cast<long>(digits)));
       }
-      auto const& line = f.sin(piece.midpoint(), 5).sign() > 0 ? above : below;
-      EXPECT_LT(abs(line(touch) - f.sin(touch, 30).lower()), 7 * unit);
-    }
   EXPECT_THROW(lines_around_sin(f, {3, 4}, 3, 10), std::domain_error);
   EXPECT_THROW(lines_around_sin(f, {1, 2}, 3, 10), std::domain_error);
 }
