@@ -34,10 +34,9 @@ struct Neighbours {
 
 Neighbours::Neighbours(QNumber const& q, mpz_srcptr limit) : rest(q) {
   if (mpz_sizeinbase(limit, 2) > interval_bits) {
-    // No denominator above the limit comes from what all of q ± 1/(2 limit^2) share.
+    // No denominator above the limit comes from what all of q ± 1/limit^2 share.
     Integer unit;
     mpz_mul(unit, limit, limit);
-    mpz_mul_2exp(unit, unit, 1);
     IntervalExpansion around;
     mpz_mul(n, unit, rest.n);
     mpz_sub(around.lower.n, n, rest.d);

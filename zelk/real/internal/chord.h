@@ -12,7 +12,7 @@ enum class Chord { circular, hyperbolic };
 unsigned long chord_halvings(mp_size_t n);
 
 /// Of an x over 2^(64 n), over the same: within 2^(chord_error_bits(n)) units.
-/// Requires: 0 <= x <= 2 and n >= 1. The same integer may stand on both sides.
+/// Requires: 0 <= x < 2 and n >= 1. The same integer may stand on both sides.
 void chord_squared(mpz_ptr out, mpz_srcptr x, mp_size_t n, Chord kind);
 inline unsigned long chord_error_bits(mp_size_t n) { return 2 * chord_halvings(n) + 4; }
 

@@ -25,7 +25,7 @@ class Constants {
   void compute_pi(unsigned long bits);
   void compute_logs(unsigned long bits);
 
-  // A unit below the constants at most.
+  // Below the constants by `units` at most.
   Integer kept_pi;
   unsigned long pi_bits = 0;
   std::array<Integer, 4> kept_logs;

@@ -16,10 +16,12 @@
 
 namespace zelk::real {
 
-/// An n such that |q| < 10^n, the least or one or two more. Requires: q is not 0.
+/// An n such that |q| < 10^n, the least or one or two more, or a few beyond 10^9 bits. Requires: q
+/// is not 0.
 inline long decimal_magnitude(QNumber const& q) {
-  // log10 2 is a little less than 0.30103, and rounding toward 0 is made up for by 1.
-  return magnitude(q) * 30103 / 100000 + 1;
+  // log10 2 lies between these over 10^9, and rounding toward 0 is made up for by 1.
+  long const bits = magnitude(q);
+  return bits * (bits < 0 ? 301029995 : 301029996) / 1000000000 + 1;
 }
 
 /// Whether so wide an enclosure is one to give up.
