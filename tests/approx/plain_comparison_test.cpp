@@ -139,6 +139,10 @@ TEST(PlainEvaluation, AgreesOnLongSeries) {
   for (QNumber const& x : test::numbers("1/3 -1/3 7/2 -22/7 355/113B -41/1024 30 -31 -200"))
     for (unsigned prec : {0U, 57U, 58U, 290U, 1000U})
       for (Kind const kind : {exp, sin}) history.push_back({kind, x, prec});
+  // A width there is 10^-20 to 29 digits, just below and just above it.
+  std::string const head = "2923934568188925811366476679", places(30, '0');
+  for (char const* const end : {"39/1", "40/1"})
+    history.push_back({exp, number((head + end + places).c_str()), 20});
   expect_agreement(history);
 }
 

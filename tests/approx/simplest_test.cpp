@@ -295,7 +295,7 @@ TEST(Simplest, ShortBoundsOfPi) {
   mpfr_const_pi(pi, MPFR_RNDN);
   mpz_class const one("10000000000000000000000000000000000000000");
   mpz_class const truth("31415926535897932384626433832795028841971");  // the floor of one * pi
-  for (unsigned const prec : {0, 1, 2, 3, 4, 5, 6, 20, 100, 1000, 5000}) {
+  for (unsigned const prec : {0, 1, 2, 3, 4, 5, 6, 20, 100, 431, 1000, 5000}) {
     auto const bounds = short_pi_bounds(prec);
     mpq_class const below = to_rational(bounds.first), above = to_rational(bounds.second);
     mpz_class unit;

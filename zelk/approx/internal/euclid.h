@@ -46,7 +46,7 @@ class Euclid {
     std::uint64_t const y = bits_below(d, size, unused);
     std::uint64_t const quotient = x / (y + 1);
     // (quotient + 1) y is at most x + y, hence within 64 bits.
-    return x + 1 < (quotient + 1) * y ? quotient : 0;
+    return x < (quotient + 1) * y ? quotient : 0;
   }
 
   Integer n, d;
