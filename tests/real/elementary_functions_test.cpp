@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -141,19 +140,13 @@ class Oracle {
 
 /// Near zeros, extrema and poles, where functions are steep or flat, and where words end.
 std::vector<QNumber> hostile_points() {
-  std::vector<QNumber> points;
-  std::istringstream texts(
-      "0 1 1/2 1/3 2 10 355/113 355/226 104348/33215 710 11 "
-      "3141592653589793/2000000000000000 "
+  auto points = test::numbers(
+      "0 1 1/2 1/3 2 10 355/113 355/226 104348/33215 710 11 4 9/16 2999 6/5 12345/7 1000000 "
+      "3141592653589793/2000000000000000 9223372036854775807 10000000000000000000000 "
       "314159265358979323846264338327950288/100000000000000000000000000000000000 "
-      "245850922/78256779 1/1000000000000000000000000000000 1000000 "
-      "10000000000000000000000 999999999999999999/1000000000000000000 "
-      "1000000000000000001/1000000000000000000 4 9/16 2999 6/5 9223372036854775807 "
-      "12345/7 ");
-  for (std::string text; texts >> text;) {
-    points.push_back(number(text.c_str()));
-    points.push_back(-points.back());
-  }
+      "245850922/78256779 1/1000000000000000000000000000000 "
+      "999999999999999999/1000000000000000000 1000000000000000001/1000000000000000000");
+  for (std::size_t i = points.size(); i-- > 0;) points.push_back(-points[i]);
   return points;
 }
 
