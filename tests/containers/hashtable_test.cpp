@@ -87,13 +87,22 @@ TEST(Hashtable, TellsWhereAnEntryIsByOneHash) {
     EXPECT_EQ(it.index, it == found ? 3 : it.bucket_count);
   }
   std::size_t index = 0;
-  Map::Bucket* node = nullptr;
+  Map::Bucket other{}, *node = &other;
   EXPECT_FALSE(map.do_find(65U, &index, &node));
-  EXPECT_EQ(index, 65);
+  EXPECT_TRUE(index == 65 && node == &other);  // nothing to tell
   EXPECT_TRUE(map.do_find(34U, &index, &node) && index == 34 && node == added.node);
   EXPECT_FALSE(map.do_insert({34, 9}, &index, &node));
   EXPECT_TRUE(index == 34 && node == added.node && node->value.second == QNumber(7));
   EXPECT_TRUE(map.store(34U, QNumber(9)) == QNumber(9) && map[34U] == QNumber(9));
+
+  // At the limit of the load an attempt makes room, also one for what is there.
+  for (bool const is_stored : {false, true}) {
+    Map full;
+    for (unsigned k = 13; k < 35; ++k) full[k] = k;
+    EXPECT_EQ(full.bucket_count(), 31U);
+    is_stored ? void(full.store(34U, 0)) : void(full.do_insert({34, 0}, &index, &node));
+    EXPECT_TRUE(full.bucket_count() == 73 && full.size() == 22 && index == 34);
+  }
 }
 
 }  // namespace

@@ -206,7 +206,7 @@ TEST(FailedAllocation, LeavesATableThatAskedForTooMuch) {
 
 /// The index of a long chain is help, not duty: without memory for it the table does without.
 TEST(FailedAllocation, LeavesLongChainsToBeWalked) {
-  for (long nth = 1; nth <= 12; ++nth) {
+  for (long nth = 1; nth <= 20; ++nth) {
     World::Map map;
     auto const add = [&](long i) { map[{QNumber(i, 1009), 3U}] = i; };
     for (long i = 0; i < 32; ++i) add(i);

@@ -4,7 +4,7 @@
 
 #include "zelk/numbers/integer.h"
 
-namespace zelk {
+namespace zelk::detail {
 
 namespace {
 
@@ -56,4 +56,4 @@ QNumber pow(QNumber const& q, long exponent) {
   return QNumber::from_lowest_terms({n, d});
 }
 
-}  // namespace zelk
+}  // namespace zelk::detail
