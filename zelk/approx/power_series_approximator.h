@@ -47,6 +47,7 @@ class ZELK_EXPORT PowerSeriesApproximator {
 
   /// Hash and equality of a (point, precision) key.
   struct pair_hash_eq : hsh::pair_hash_eq {
+    /// The finer hash goes with this equality.
     using FineFor = pair_hash_eq;
   };
 

@@ -36,6 +36,7 @@ class ZELK_EXPORT RationalApproximator {
 
   /// Hash and equality of a (number, precision) key.
   struct pair_hash_eq : hsh::pair_hash_eq {
+    /// The finer hash goes with this equality.
     using FineFor = pair_hash_eq;
   };
 

@@ -87,7 +87,6 @@ struct pair_hash_eq {
   std::uint64_t operator()(V const& key) const {
     return key.number_hash << 32 | key.second;
   }
-
   template <std::same_as<View> V>
   bool operator()(Key const& a, V const& b) const {
     return are_equal(a, b);

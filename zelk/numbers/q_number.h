@@ -36,6 +36,8 @@ requires(std::is_enum_v<T>) inline constexpr bool may_not_fit<T> =
     is_unsigned_word<std::underlying_type_t<T>>;
 
 class QNumber;
+
+/// Exchanges values and forms.
 template <int = 0>
 void swap(QNumber& a, QNumber& b) noexcept;
 
