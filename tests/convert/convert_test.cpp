@@ -317,7 +317,8 @@ void expect_rounded(mpq_class const& exact) {
 }
 
 mpq_class power_of_two(int exponent) {
-  return exponent < 0 ? mpq_class(mpq_class(1) >> -exponent) : mpq_class(mpq_class(1) << exponent);
+  mpq_class const power(mpz_class(1) << static_cast<unsigned>(std::abs(exponent)));
+  return exponent < 0 ? mpq_class(1 / power) : power;
 }
 
 TEST(Machine, TakesDoublesExactlyAndRoundsLikeMpfr) {
