@@ -16,7 +16,8 @@ from places import mutants_of
 from trial import Trial
 
 ROOT = Path(__file__).resolve().parents[2]
-SOURCES = ("zelk/**/*.h", "zelk/**/*.cpp", "cli/*.h", "cli/*.cpp", "zelk/CMakeLists.txt",
+SOURCES = ("zelk/**/*.h", "zelk/**/*.cpp", "cli/*.h", "cli/*.cpp", "python/src/*.h",
+           "python/src/*.cpp", "python/zelk/*.py", "scripts/check_certificate", "zelk/CMakeLists.txt",
            "cmake/ZelkInstall.cmake", "cmake/FindGMP.cmake", "cmake/*.in")
 VERDICTS = ("killed", "survived", "equivalent", "not compiled")
 

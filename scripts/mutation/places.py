@@ -1,11 +1,14 @@
 """Finds where a source can be mistaken, and what would stand there instead."""
 
 import re
+import sysconfig
 from dataclasses import dataclass
 from pathlib import Path
 
 from clang.cindex import CursorKind as Kind
 from clang.cindex import Index, TokenKind, TypeKind
+
+from places_in_python import changes_in_python
 
 # What an operator is mistaken for; `-` and `!` before an operand are left out.
 PAIRS = "< <= > >= == != && || + - << >> & | += -= *= /= <<= >>= &= |=".split()
@@ -36,7 +39,7 @@ class Mutant:
     def folder(self):
         """What it counts under: numbers, containers and so on."""
         top, *below = Path(self.path).parts
-        if not is_code(self.path):
+        if not is_code(self.path) and not is_python(self.path):
             return "packaging"
         return below[0] if top == "zelk" and len(below) > 1 else top
 
@@ -45,11 +48,17 @@ def is_code(path):
     return path.endswith((".h", ".cpp"))
 
 
+def is_python(path):
+    """Modules, and the scripts among the sources."""
+    return Path(path).suffix in (".py", "")
+
+
 def mutants_of(root, path):
     """All mutants of a source, in the order of its text."""
     # A character a byte, as offsets count.
     text = (root / path).read_text("latin-1")
-    changes = in_code(root, path, text) if is_code(path) else in_lines(path, text)
+    changes = (in_code(root, path, text) if is_code(path) else
+               changes_in_python(text) if is_python(path) else in_lines(path, text))
     mutants = {}
     for begin, end, new, change in sorted(changes, key=lambda change: change[:2]):
         first, last = text.rfind("\n", 0, begin) + 1, text.find("\n", end)
@@ -66,7 +75,8 @@ def mutants_of(root, path):
 
 def in_code(root, path, text):
     unit = Index.create().parse(str(root / path), args=[
-        "-x", "c++", "-std=c++20", "-DNDEBUG", f"-I{root}"])
+        "-x", "c++", "-std=c++20", "-DNDEBUG", f"-I{root}",
+        "-isystem", sysconfig.get_path("include")])
     if errors := [str(message) for message in unit.diagnostics if message.severity >= 3]:
         raise SystemExit("\n".join(errors))
     skipped = []  # what makes no code

@@ -2,11 +2,20 @@
 
 import os
 import subprocess
+import sys
+import sysconfig
 import time
 from pathlib import Path
+from typing import NamedTuple
+
+from places import is_python
 
 BUILD = ["-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -DNDEBUG -w",
-         "-DZELK_BUILD_EXAMPLES=OFF", "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
+         "-DZELK_BUILD_EXAMPLES=OFF", "-DZELK_BUILD_PYTHON=ON",
+         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
+CORE = "_core" + sysconfig.get_config_var("EXT_SUFFIX")  # of the package for Python, what is compiled
+# The suite that asks the sources in Python, which are not built.
+PYTHON_IN = {"python": "python", "scripts": "certify"}
 LIMITS = ["prlimit", "--core=0", f"--as={4 << 30}"]  # an endless loop may allocate, too
 
 
@@ -24,11 +33,18 @@ def mirror(source, copy, *options):
                     f"{source}/", f"{copy}/"], check=True)
 
 
+class Suite(NamedTuple):
+    target: str  # to build
+    command: list
+    program: Path  # what is asked
+    seconds: float = 0  # that it takes
+
+
 class Trial:
     def __init__(self, folder):
         self.folder, self.kept = folder / "work", folder / "kept"
         self.tree, self.build = self.folder / "tree", self.folder / "build"
-        self.suites = {}  # by name: the target to build, the command, and the seconds it takes
+        self.suites = {}  # by name
 
     def restore(self):
         """Everything as it was without a mistake, times included, so that nothing is built anew."""
@@ -48,17 +64,24 @@ class Trial:
         for folder in sorted((self.tree / "tests").iterdir()):
             name = f"{folder.name}_test"
             if (script := folder / f"{name}.sh").is_file() and folder.name != "consumer":
-                suite = "zelk_cli", ["bash", script, programs / "zelk"]
+                suite = Suite("zelk_cli", ["bash", script, programs / "zelk"], programs / "zelk")
             elif any(folder.glob("*_test.cpp")):
-                suite = name, [programs / name]
+                suite = Suite(name, [programs / name], programs / name)
+            elif any(folder.glob("*_test.py")):
+                package = self.build / "python"
+                suite = Suite("zelk_python", [
+                    "env", f"PYTHONPATH={package}", "PYTHONDONTWRITEBYTECODE=1", sys.executable, "-m",
+                    "pytest", "-q", "-x", "-p", "no:cacheprovider", folder,
+                    # It asks many processes what the others ask one.
+                    f"--ignore={folder / 'cluster_test.py'}"], package / "zelk" / CORE)
             else:
                 continue
-            if not self.make(suite[0]):
-                raise SystemExit(f"mutate: {suite[0]} does not build; see scripts/test")
+            if not self.make(suite.target):
+                raise SystemExit(f"mutate: {suite.target} does not build; see scripts/test")
             begin = time.monotonic()
-            if not run(suite[1]):
+            if not run(suite.command):
                 raise SystemExit(f"mutate: the tests in {folder.name} fail without a mistake")
-            self.suites[folder.name] = *suite, time.monotonic() - begin
+            self.suites[folder.name] = suite._replace(seconds=time.monotonic() - begin)
         if not self.make("all") or not self.is_consumed():
             raise SystemExit("mutate: the tests in consumer fail without a mistake")
         mirror(self.folder, self.kept, "--times", "--modify-window=-1")
@@ -89,17 +112,20 @@ class Trial:
                 return "not compiled"
             if self.is_as_before(unit):
                 return "equivalent"
-        differs = folder == "packaging"
-        # The source's own suite first, then the cheapest; what needs the command comes last.
+        in_python = is_python(path)
+        differs = in_python or folder == "packaging"
+        # The source's own suite first, then the cheapest; what takes long to build comes last.
         order = sorted(self.suites.items(), key=lambda suite: (
-            suite[0] != folder, suite[1][0] == "zelk_cli", suite[1][2]))
-        for suite, (target, command, seconds) in order if folder != "packaging" else ():
-            if not self.make(target):
+            suite[0] != folder, suite[1].target in ("zelk_cli", "zelk_python"), suite[1].seconds))
+        if in_python:
+            order = [(name, self.suites[name]) for name in (PYTHON_IN[layer],)]
+        for name, suite in order if folder != "packaging" else ():
+            if not self.make(suite.target):
                 return "not compiled"
-            if not self.is_as_before(command[-1]):
+            if in_python or not self.is_as_before(suite.program):
                 differs = True
-                if not run(command, 10 * seconds + 2):
-                    return f"killed by {suite}"
+                if not run(suite.command, 10 * suite.seconds + 2):
+                    return f"killed by {name}"
         if not differs:
             return "equivalent"
         is_public = layer == "zelk" and path.suffix == ".h" and "internal" not in path.parts

@@ -44,6 +44,8 @@ struct LengthHash {
   std::uint64_t operator()(std::string const& key) const { return key.size(); }
 };
 
+#pragma GCC diagnostic ignored "-Wconversion"
+#pragma GCC diagnostic ignored "-Wfloat-conversion"
 TEST(HostProgram, LooksUpByWhatConvertsToTheKey) {
   hsh::HashMap<unsigned, int, AnyHash, std::equal_to<>> unsigned_keys;
   unsigned_keys[-1] = 5;
@@ -51,7 +53,6 @@ TEST(HostProgram, LooksUpByWhatConvertsToTheKey) {
   hsh::HashMap<long, int, AnyHash, std::equal_to<>> keys;
   keys[3] = 7;
   auto const find = &decltype(keys)::find;
-#pragma GCC diagnostic ignored "-Wfloat-conversion"
   EXPECT_NE((keys.*find)(3.5), keys.end());
   EXPECT_NE(keys.find(3.5), keys.end());
   hsh::HashMap<std::string, int, LengthHash, std::equal_to<std::string>> names;
@@ -94,3 +95,60 @@ TEST(HostProgram, MixesNumbersWithSizes) {
 
 }  // namespace
 }  // namespace zelk
+
+// A program with relations, functions and an equality of its own, for which the library's make way.
+namespace host {
+namespace {
+
+using zelk::QNumber;
+
+int calls = 0;
+bool operator>(QNumber const& a, QNumber const& b) { return ++calls, b < a; }
+bool operator<=(QNumber const& a, QNumber const& b) { return ++calls, !(b < a); }
+bool operator>=(QNumber const& a, QNumber const& b) { return ++calls, !(a < b); }
+bool operator!=(QNumber const& a, QNumber const& b) { return ++calls, !(a == b); }
+void swap(QNumber& a, QNumber& b) { ++calls, zelk::swap(a, b); }
+
+QNumber const ours(-77);
+QNumber operator-(QNumber const& /*q*/) { return ours; }
+QNumber floor(QNumber const& /*q*/) { return ours; }
+QNumber ceil(QNumber const& /*q*/) { return ours; }
+QNumber round(QNumber const& /*q*/) { return ours; }
+QNumber pow(QNumber const& /*q*/, long /*n*/) { return ours; }
+QNumber numerator(QNumber const& /*q*/) { return ours; }
+QNumber denominator(QNumber const& /*q*/) { return ours; }
+
+TEST(HostProgram, MayHaveRelationsAndFunctionsOfItsOwn) {
+  QNumber a(7, 2), b(3);
+  EXPECT_TRUE(a > b && b <= a && a >= 3 && 2 <= b && a != b);
+  swap(a, b);
+  EXPECT_EQ(calls, 6);
+  for (QNumber const& q :
+       {-a, floor(a), ceil(a), round(a), pow(a, 2L), numerator(a), denominator(a)})
+    EXPECT_EQ(q, ours);
+  bool (*const greater)(QNumber const&, QNumber const&) = &zelk::operator>;
+  EXPECT_TRUE(greater(b, a) && zelk::floor(b) == 3);
+}
+
+/// Looser than the library's, whose hash it goes with: all is in one chain.
+struct Looser : zelk::hsh::pair_hash_eq {
+  using zelk::hsh::pair_hash_eq::operator();
+  bool operator()(Key const& a, Key const& b) const {
+    return zelk::floor(a.first / 5) == zelk::floor(b.first / 5);
+  }
+};
+
+template <class Hash>
+std::size_t entries() {
+  zelk::hsh::HashMap<Looser::Key, int, Hash, Looser> table;
+  for (long n = 0; n < 300; ++n) table[{n, 1}] = 1;
+  return table.size();
+}
+
+TEST(HostProgram, MayHaveAnEqualityOfItsOwn) {
+  EXPECT_EQ(entries<zelk::hsh::pair_hash_eq>(), 60U);
+  EXPECT_EQ(entries<Looser>(), 60U);
+}
+
+}  // namespace
+}  // namespace host

@@ -5,6 +5,7 @@
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 source "$here/../../scripts/lib.sh"
+export LC_ALL=C # small letters of headings are those of their links, also in Turkey
 
 zelk=$(realpath "$1")
 scratch=$(mktemp -d)

@@ -10,6 +10,7 @@
 #include "tests/support/text_form.h"
 #include "zelk/approx/power_series_approximator.h"
 #include "zelk/approx/rational_approximator.h"
+#include "zelk/approx/short_bounds.h"
 
 namespace zelk::test {
 namespace {
@@ -85,12 +86,15 @@ struct Approximators {
     mpfi_set_q(point, to_rational(x).get_mpq_t());
     mpfi_exp(truth, point);
     CHECK(width_around(truth, series.maclaurin_exp_bounds(x, prec)) < unit);
+    CHECK(width_around(truth, na::short_exp_bounds(series, x, prec)) < unit);
     auto [low, high] = series.maclaurin_exp_der_bounds(x, prec);
     x.sign() < 0 ? width_around(truth, {high, low}) : width_around(truth, {low, high});
     mpfi_sin(truth, point);
     CHECK(width_around(truth, series.maclaurin_sin_bounds(x, prec)) < 2 * unit);
+    CHECK(width_around(truth, na::short_sin_bounds(series, x, prec)) < 2 * unit);
     mpfi_cos(truth, point);
     width_around(truth, series.maclaurin_sin_der_bounds(x, prec));
+    CHECK(width_around(truth, na::short_cos_bounds(series, x, prec)) < 2 * unit);
     mpfi_const_pi(truth);
     if (prec < 40) CHECK(width_around(truth, series.machin_pi_bounds(prec)) <= unit);
   }

@@ -78,8 +78,8 @@ struct Plain {
   long descend(long a, long b) {
     for (a = std::labs(a), b = std::labs(b); b != 0; a = std::exchange(b, a % b)) {
       if (std::max(a, b) > gcd_cache_limit) continue;
-      if (table[a * row + b] != 0) return table[a * row + b];
-      table[a * row + b] = table[b * row + a] = std::gcd(a, b);
+      if (at(a, b) != 0) return at(a, b);
+      at(a, b) = at(b, a) = std::gcd(a, b);
     }
     return a;
   }
@@ -96,6 +96,8 @@ struct Plain {
     if (fits(x) && fits(y) && fits(x + y)) descend(static_cast<long>(x + y), g);
   }
 
+  long& at(long a, long b) { return table[static_cast<std::size_t>(a * row + b)]; }
+
   std::vector<long> table = std::vector<long>(row * row);
 };
 
@@ -104,7 +106,7 @@ TEST(GcdCache, GainsWhatPlainDescentsDo) {
   auto const word = [&] { return static_cast<long>(random() >> (1 + random() % 63)); };
   auto const number = [&] { return QNumber(random() % 2 == 0 ? word() : -word(), word() | 1); };
   for (int round = 0; round < 9; ++round) {
-    std::vector<std::pair<QNumber, QNumber>> operands(64 << 2 * (round / 3));
+    std::vector<std::pair<QNumber, QNumber>> operands(64UL << 2 * (round / 3));
     for (auto& [a, b] : operands) a = number(), b = random() % 8 == 0 ? a : number();
     operands[0] = {{70001, 30011}, {50021, 90001}};
     // From an empty table; from one that lacks only pairs of equals; from one cleared after that.

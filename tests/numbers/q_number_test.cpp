@@ -43,42 +43,34 @@ static_assert(std::totally_ordered<QNumber>);
 
 // A number in big form ends in B.
 TEST(QNumber, IsMadeInItsForm) {
-  struct {
-    QNumber result;
-    char const* shown;
-  } const table[] = {
-      {early, "-1537228672809129301B"},
-      {QNumber(6, -4), "-3/2"},
-      {QNumber(0, -7), "0"},
-      {QNumber(-LONG_MAX), "-9223372036854775807"},
-      {QNumber(LONG_MIN), "-9223372036854775808B"},
-      {QNumber(LONG_MIN, 2), "-4611686018427387904B"},
-      {QNumber(5, LONG_MIN), "-5/9223372036854775808B"},
-      {QNumber(0, LONG_MIN), "0B"},
-      {QNumber(LONG_MIN, LONG_MIN), "1B"},
-      {QNumber(-2, 3).inv(), "-3/2"},
-      {number("1/9223372036854775808").inv(), "9223372036854775808B"},
-      {abs(QNumber(-5, 3)), "5/3"},
-      {abs(QNumber(LONG_MIN)), "9223372036854775808B"},
-      {-QNumber(LONG_MIN), "9223372036854775808B"},
-      {-QNumber(2, 3), "-2/3"},
-      {QNumber(1UL << 63), "9223372036854775808B"},
-      {QNumber(ULONG_MAX), "18446744073709551615B"},
-      {QNumber(1UL), "1"},
-      {QNumber(6UL, 4UL), "3/2"},
-      {QNumber(-6, 4UL), "-3/2"},
-      {QNumber(6UL, -4L), "-3/2"},
-      {QNumber(1UL << 63, -4), "-2305843009213693952B"},
-      {QNumber(LONG_MIN, 1UL << 63), "-1B"},
-      {QNumber(0UL, 1UL << 63), "0B"},
-      {number("3/4B").to_small(), "3/4"},
-      {number("-9223372036854775808B").to_small(), "-9223372036854775808B"},
-      {numerator(number("-3/4B")), "-3"},
-      {denominator(number("1/18446744073709551616")), "18446744073709551616B"},
+  std::pair<std::vector<QNumber>, char const*> const table[] = {
+      {{early, {6, -4}, {0, -7}, QNumber(-2, 3).inv()}, "-1537228672809129301B -3/2 0 -3/2 "},
+      {{-LONG_MAX, LONG_MIN}, "-9223372036854775807 -9223372036854775808B "},
+      {{{LONG_MIN, 2}, {5, LONG_MIN}}, "-4611686018427387904B -5/9223372036854775808B "},
+      {{{0, LONG_MIN}, {LONG_MIN, LONG_MIN}}, "0B 1B "},
+      {{number("1/9223372036854775808").inv(), abs(QNumber(LONG_MIN)), -QNumber(LONG_MIN)},
+       "9223372036854775808B 9223372036854775808B 9223372036854775808B "},
+      {{abs(QNumber(-5, 3)), -QNumber(2, 3)}, "5/3 -2/3 "},
+      {{1UL << 63, ULONG_MAX, 1UL}, "9223372036854775808B 18446744073709551615B 1 "},
+      {{{6UL, 4UL}, {-6, 4UL}, {6UL, -4L}}, "3/2 -3/2 -3/2 "},
+      {{{1UL << 63, -4}, {LONG_MIN, 1UL << 63}, {0UL, 1UL << 63}}, "-2305843009213693952B -1B 0B "},
+      {{number("3/4B").to_small(), number("-9223372036854775808B").to_small()},
+       "3/4 -9223372036854775808B "},
+      {{numerator(number("-3/4B")), denominator(number("1/18446744073709551616"))},
+       "-3 18446744073709551616B "},
   };
-  for (auto const& [result, shown] : table) {
-    EXPECT_EQ(show(result), shown);
-    EXPECT_TRUE(result.is_canonical());
+  for (auto const& [results, expected] : table) {
+    std::string shown;
+    for (QNumber const& result : results) {
+      shown += show(result) + ' ';
+      EXPECT_TRUE(result.is_canonical());
+    }
+    EXPECT_EQ(shown, expected);
+  }
+  for (auto const& [n, d] : {std::pair(2, 4), std::pair(1, -2)}) {
+    mpz_class const above = n, below = d;
+    QNumber::LowestTerms const wrong{above.get_mpz_t(), below.get_mpz_t()};
+    EXPECT_DEBUG_DEATH(EXPECT_FALSE(QNumber(wrong).is_canonical()), "is_canonical");
   }
 }
 
@@ -107,27 +99,16 @@ TEST(QNumber, RoundsAndRaisesByValue) {
 
 TEST(QNumber, HashesByValue) {
   std::set<std::size_t> hashes;
-  auto const texts = {"0",
-                      "1",
-                      "-1",
-                      "1/2",
-                      "2",
-                      "-2",
-                      "4294967296",
-                      "1/4294967296",
-                      "3037000500/7",
-                      "9223372036854775807",
-                      "9223372036854775808",
-                      "18446744073709551616",
-                      "18446744073709551616/3",
-                      "3/18446744073709551616",
-                      "-9223372036854775808"};
-  for (auto const* const text : texts) {
+  auto const all = test::numbers(
+      "0 1 -1 1/2 2 -2 4294967296 1/4294967296 3037000500/7 9223372036854775807 "
+      "9223372036854775808 18446744073709551616 18446744073709551616/3 3/18446744073709551616 "
+      "-9223372036854775808");
+  for (QNumber const& q : all) {
     std::hash<QNumber> const hash;
-    EXPECT_EQ(hash(number(text)), hash(test::in_big_form(number(text)))) << text;
-    hashes.insert(hash(number(text)) % 4096);
+    EXPECT_EQ(hash(q), hash(test::in_big_form(q))) << show(q);
+    hashes.insert(hash(q) % 4096);
   }
-  EXPECT_EQ(hashes.size(), texts.size());
+  EXPECT_EQ(hashes.size(), all.size());
 }
 
 TEST(QNumber, MovesAsItCopies) {
@@ -190,29 +171,23 @@ TEST(QNumber, RefusesToDivideByZeroBeforeItWrites) {
 TEST(QNumber, ComputesValueAndForm) {
   // 2^63 - 1 = 14197294936951 * 649657; its square root lies between 3037000499 and 3037000500.
   std::istringstream equations(R"(
-      1/2 + 1/2 is 1      1/6 + 1/3 is 1/2      1/2 - 1/2 is 0      1 + 1/2B is 3/2B
-      9223372036854775807 + 1 is 9223372036854775808B
-      9223372036854775807 - -1 is 9223372036854775808B
-      -9223372036854775807 + -1 is -9223372036854775808B
-      -9223372036854775807 - 1 is -9223372036854775808B
-      -1 - 9223372036854775807 is -9223372036854775808B
-      0 - 9223372036854775807 is -9223372036854775807
+      1/2 + 1/2 is 1   1/6 + 1/3 is 1/2   1/2 - 1/2 is 0   1 + 1/2B is 3/2B
+      9223372036854775807 + 1 is 9223372036854775808B   9223372036854775807 - -1 is 9223372036854775808B
+      -9223372036854775807 + -1 is -9223372036854775808B   -9223372036854775807 - 1 is -9223372036854775808B
+      -1 - 9223372036854775807 is -9223372036854775808B   0 - 9223372036854775807 is -9223372036854775807
       9223372036854775807/2 + -9223372036854775805/2 is 1
       9223372036854775807/2 + 1/2 is 4611686018427387904B
       9223372036854775807/2 - 1/3 is 27670116110564327419/6B
       1/2 - 9223372036854775807/3 is -18446744073709551611/6B
       1/14197294936951 + 1/649657 is 14197295586608/9223372036854775807
       1/3037000500 - 1/3037000501 is 1/9223372040037250500B
-      14197294936951 * -649657 is -9223372036854775807
-      3037000499 * 3037000499 is 9223372030926249001
-      3037000500 * 3037000500 is 9223372037000250000B
-      -4294967296 * 2147483648 is -9223372036854775808B
+      14197294936951 * -649657 is -9223372036854775807   3037000499 * 3037000499 is 9223372030926249001
+      3037000500 * 3037000500 is 9223372037000250000B   -4294967296 * 2147483648 is -9223372036854775808B
       1/4294967296 * 1/2147483648 is 1/9223372036854775808B
-      9223372036854775807/2 * 2/9223372036854775807 is 1
-      1/2 / -3/4 is -2/3      1 / -2B is -1/2B      2/3 / 2/3 is 1      -2/3B / -2/3B is 1B
-      3/4B * 0 is 0           3B * 0 is 0B          3/4B * 0B is 0B     0 * 3/4B is 0B
-      7/2B + 7/2B is 7B       7/2B - 7/2B is 0B     -2/3B * -2/3B is 4/9B
-      3/4B = 1/2 is 1/2B      1/2 = 3/4B is 3/4B    3/4B = 3/4B is 3/4B    3/4 = 3/4 is 3/4
+      9223372036854775807/2 * 2/9223372036854775807 is 1   1/2 / -3/4 is -2/3   1 / -2B is -1/2B
+      2/3 / 2/3 is 1   -2/3B / -2/3B is 1B   3/4B * 0 is 0   3B * 0 is 0B   3/4B * 0B is 0B   0 * 3/4B is 0B
+      7/2B + 7/2B is 7B   7/2B - 7/2B is 0B   -2/3B * -2/3B is 4/9B   3/4B = 1/2 is 1/2B   1/2 = 3/4B is 3/4B
+      3/4B = 3/4B is 3/4B   3/4 = 3/4 is 3/4
   )");
   for (std::string a, op, b, is, result; equations >> a >> op >> b >> is >> result;) {
     QNumber x = number(a);

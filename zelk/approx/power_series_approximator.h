@@ -46,7 +46,10 @@ class ZELK_EXPORT PowerSeriesApproximator {
   };
 
   /// Hash and equality of a (point, precision) key.
-  struct pair_hash_eq : hsh::pair_hash_eq {};
+  struct pair_hash_eq : hsh::pair_hash_eq {
+    /// The finer hash goes with this equality.
+    using FineFor = pair_hash_eq;
+  };
 
   /// The tables of answers: by point and precision, and for pi by precision.
   using SeriesCache =

@@ -35,7 +35,10 @@ class ZELK_EXPORT RationalApproximator {
   };
 
   /// Hash and equality of a (number, precision) key.
-  struct pair_hash_eq : hsh::pair_hash_eq {};
+  struct pair_hash_eq : hsh::pair_hash_eq {
+    /// The finer hash goes with this equality.
+    using FineFor = pair_hash_eq;
+  };
 
   /// The tables of convergents, by number and precision, and of expansions, by number.
   using ApproxCache =

@@ -87,18 +87,19 @@ struct pair_hash_eq {
   std::uint64_t operator()(V const& key) const {
     return key.number_hash << 32 | key.second;
   }
-
-  /// A finer hash, for where many keys have one hash: of the number's value and the precision.
-  template <class AnyKey>
-  requires requires(AnyKey const& key) { value_hash(key.first); }
-  static std::uint64_t fine(AnyKey const& key) {
-    return detail::mixed(value_hash(key.first), key.second);
-  }
-
   template <std::same_as<View> V>
   bool operator()(Key const& a, V const& b) const {
     return are_equal(a, b);
   }
+
+  /// A finer hash, for where many keys have one hash: of the number's value and the precision.
+  template <class AnyKey>
+  requires(std::same_as<AnyKey, Key> || std::same_as<AnyKey, View>) static std::uint64_t
+      fine(AnyKey const& key) {
+    return detail::mixed(value_hash(key.first), key.second);
+  }
+  /// The equality that it goes with: what is derived from this may have another.
+  using FineFor = pair_hash_eq;
 
  private:
   static bool are_equal(auto const& a, auto const& b) {

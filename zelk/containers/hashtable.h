@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cassert>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -25,10 +26,11 @@ namespace zelk::hsh {
 ///
 /// Cost: a lookup or insertion hashes once and compares keys of one chain, for hashes that scatter
 /// fewer than 1.4 on the average; growth is a pass over all nodes, amortised constant. Where Hash
-/// has a finer hash besides, `fine(k)`, equal for equal keys, a chain that has become long gets an
-/// index by it, and a lookup there costs what it costs elsewhere. The index is beside the chain,
-/// which stays as it is; a host may ignore it, and so does the table when memory for it cannot be
-/// had. Source: separate chaining, Knuth, The Art of Computer Programming, 6.4.
+/// and Eq are one type that has a finer hash besides, `fine(k)`, equal for equal keys, and names
+/// itself `FineFor`, a chain that has become long gets an index by it, and a lookup there costs
+/// what it costs elsewhere. The index is beside the chain, which stays as it is; a host may ignore
+/// it, and so does the table when memory for it cannot be had. Source: separate chaining, Knuth,
+/// The Art of Computer Programming, 6.4.
 template <class Value, class GetKey, class Key, class Hash, class Eq>
 class Hashtable {
  public:
@@ -182,17 +184,20 @@ class Hashtable {
 
   using Index = ChainIndex<Bucket>;
 
-  /// Whether Hash has a finer hash of k.
+  /// Whether Hash has a finer hash of k, of which Eq is known to make no equal keys differ.
   template <class K>
   static constexpr bool has_fine_hash = requires(K const& k) {
     Hash::fine(k);
+    requires std::same_as<typename Hash::FineFor, Hash>;
+    requires std::same_as<typename Hash::FineFor, Eq>;
   };
 
   template <class StandIn>
   bool locate(StandIn const& k, std::uint64_t hash, std::size_t* index, Bucket** node) const {
     *index = hash % buckets.size();
-    *node = look_up(k, *index);
-    return *node != nullptr;
+    Bucket* const found = look_up(k, *index);
+    if (found != nullptr) *node = found;
+    return found != nullptr;
   }
 
   /// The first node of a chain with key k, or null.

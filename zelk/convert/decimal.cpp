@@ -2,9 +2,9 @@
 
 #include <gmp.h>
 
-#include <cassert>
 #include <cstddef>
 #include <cstdlib>
+#include <stdexcept>
 
 #include "zelk/convert/text.h"
 #include "zelk/numbers/integer.h"
@@ -61,6 +61,7 @@ Decimal rounded(QNumber const& q, unsigned places, Rounding rounding) {
 }
 
 Decimal rounded_scientific(QNumber const& q, unsigned digits, Rounding rounding) {
+  if (digits == 0) throw std::invalid_argument("no significant digits");
   if (q.is_zero()) return {"0", true};
   auto const size = [](mpz_srcptr n) { return static_cast<long>(mpz_sizeinbase(n, 10)); };
   Integer limit;
@@ -105,12 +106,10 @@ std::string to_decimal(std::pair<QNumber, QNumber> const& enclosure, unsigned pl
 }
 
 std::string to_scientific(QNumber const& q, unsigned digits, Rounding rounding) {
-  assert(digits >= 1);
   return rounded_scientific(q, digits, rounding).text;
 }
 
 std::string to_scientific(std::pair<QNumber, QNumber> const& enclosure, unsigned digits) {
-  assert(digits >= 1);
   return outward(enclosure, digits, rounded_scientific);
 }
 

@@ -38,12 +38,12 @@ ZELK_EXPORT std::string to_decimal(std::pair<QNumber, QNumber> const& enclosure,
 /// `q` with so many significant digits and a power of ten: 2/3 is `6.7e-1` to the nearest, and
 /// -1000/3 is `-3.34e2` down. Zero is `0`. `parse_rational` reads it back, within its exponents.
 ///
-/// Requires: digits >= 1.
 /// Cost: subquadratic in the digits of q and `digits`.
+/// Throws: std::invalid_argument when `digits` is 0.
 ZELK_EXPORT std::string to_scientific(QNumber const& q, unsigned digits, Rounding rounding);
 
 /// The interval between two numbers, rounded outward and marked as by `to_decimal`:
-/// `[3.33e-1, =5.00e-1]`.
+/// `[3.33e-1, =5.00e-1]`. Throws: std::invalid_argument when `digits` is 0.
 ZELK_EXPORT std::string to_scientific(std::pair<QNumber, QNumber> const& enclosure,
                                       unsigned digits);
 

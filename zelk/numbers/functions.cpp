@@ -3,7 +3,7 @@
 #include "zelk/numbers/errors.h"
 #include "zelk/numbers/integer.h"
 
-namespace zelk {
+namespace zelk::detail {
 
 namespace {
 
@@ -55,4 +55,4 @@ QNumber pow(QNumber const& q, long exponent) {
   return QNumber::from_lowest_terms({n, d});
 }
 
-}  // namespace zelk
+}  // namespace zelk::detail

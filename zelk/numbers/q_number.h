@@ -35,6 +35,12 @@ template <class T>
 requires(std::is_enum_v<T>) inline constexpr bool may_not_fit<T> =
     is_unsigned_word<std::underlying_type_t<T>>;
 
+class QNumber;
+
+/// Exchanges values and forms.
+template <int = 0>
+void swap(QNumber& a, QNumber& b) noexcept;
+
 namespace detail {
 struct FixedFraction;
 struct SharedDigits;
@@ -193,6 +199,7 @@ class ZELK_EXPORT QNumber {
   }
 
   /// Exchanges values and forms.
+  template <int>
   friend void swap(QNumber& a, QNumber& b) noexcept {
     std::swap(a.num, b.num);
     std::swap(a.den, b.den);
@@ -281,6 +288,7 @@ class ZELK_EXPORT QNumber {
   }
 
   /// The number with the other sign, in the same form.
+  template <int = 0>
   QNumber operator-() const {
     QNumber opposite(*this);
     opposite.negate();
@@ -331,11 +339,6 @@ class ZELK_EXPORT QNumber {
     detail::enter_gcds({magnitude(a.num), magnitude(b.num)}, {b.den, a.den});
     return static_cast<DoubleWord>(a.num) * b.den < static_cast<DoubleWord>(b.num) * a.den;
   }
-
-  /// The other relations are made of `<`, and fill the table of gcds as it does.
-  friend bool operator>(QNumber const& a, QNumber const& b) { return b < a; }
-  friend bool operator<=(QNumber const& a, QNumber const& b) { return !(b < a); }
-  friend bool operator>=(QNumber const& a, QNumber const& b) { return !(a < b); }
 
  private:
   enum class Sign { plus, minus };
@@ -534,9 +537,20 @@ QNumber operator/(QNumber const& a, QNumber const& b);
 QNumber abs(QNumber const& q);
 bool operator==(QNumber const& a, QNumber const& b);
 bool operator<(QNumber const& a, QNumber const& b);
-bool operator>(QNumber const& a, QNumber const& b);
-bool operator<=(QNumber const& a, QNumber const& b);
-bool operator>=(QNumber const& a, QNumber const& b);
-void swap(QNumber& a, QNumber& b) noexcept;
+
+/// The other relations are made of `<`, and fill the table of gcds as it does. Templates, so that
+/// a host's own functions of these names come before them, as before `swap`.
+template <int = 0>
+bool operator>(QNumber const& a, QNumber const& b) {
+  return b < a;
+}
+template <int = 0>
+bool operator<=(QNumber const& a, QNumber const& b) {
+  return !(b < a);
+}
+template <int = 0>
+bool operator>=(QNumber const& a, QNumber const& b) {
+  return !(a < b);
+}
 
 }  // namespace zelk
