@@ -235,6 +235,17 @@ std::string goal_of_eval(Query const& query, Answer const& answer) {
   return certify::to_coq(query.expressions[0], real::Interval(lower, upper), *query.digits);
 }
 
+/// The bounds with their certificate. Where there is none, that becomes a refusal.
+template <class Certify>
+Proven certified(Query const& query, Bounds const& bounds, Certify const& certify) {
+  try {
+    auto const [lower, upper] = std::minmax(bounds.first, bounds.second);
+    return {bounds, certify(real::Interval(lower, upper))};
+  } catch (certify::Unprovable const& error) {
+    refuse(query, *query.words[0], error.what());
+  }
+}
+
 /// `certify` makes a certificate of the bounds, and `certify_companion` one of their companions.
 template <auto& solve, auto& certify, auto& certify_companion>
 Proven prove_sum(Query const& query, Approximators& approximators) {
@@ -242,14 +253,15 @@ Proven prove_sum(Query const& query, Approximators& approximators) {
   constexpr decltype(&certify) makers[] = {certify, certify_companion};
   // Short bounds hold those of one digit more.
   unsigned const digits = *query.digits + (query.kind == Query::shortened ? 1 : 0);
-  auto const [lower, upper] = std::minmax(bounds.first, bounds.second);
-  return {bounds, makers[query.kind == Query::derivative](approximators.series, query.numbers[0],
-                                                          digits, real::Interval(lower, upper))};
+  return certified(query, bounds, [&](real::Interval const& both) {
+    return makers[query.kind == Query::derivative](approximators.series, query.numbers[0], digits,
+                                                   both);
+  });
 }
 
 Proven prove_pi(Query const& query, Approximators& approximators) {
   auto const bounds = std::get<Bounds>(pi(query, approximators));
-  return {bounds, certify::certify_pi(real::Interval(bounds.first, bounds.second))};
+  return certified(query, bounds, certify::certify_pi);
 }
 
 Answer compare(Query const& query, Approximators& approximators) {

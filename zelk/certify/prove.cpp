@@ -43,7 +43,7 @@ verify::Certificate certify_call(char const* name, QNumber const& x, long bits,
   Maker maker(functions);
   auto const point = maker.number(x);
   auto answer =
-      maker.claim(std::string(name) + "_taylor", {bits + 8}, {point},
+      maker.claim(std::string(name) + "_taylor", {bits + spare_bits}, {point},
                   std::string(name) + "(" + point.text + ")", is_negated ? -bounds : bounds);
   if (is_negated) answer = maker.combined(Kind::negative, {answer}, bounds, 0);
   return maker.finish(answer);
@@ -165,8 +165,8 @@ verify::Certificate certify_pi(Interval const& bounds) {
   Functions functions;
   Maker maker(functions);
   // The ends are farther from pi than 2^-20 of their distance.
-  long const bits = 24 - magnitude(bounds.width());
-  return maker.finish(maker.claim("pi_by_sin", {std::max(bits, 8L)}, {}, "pi", bounds));
+  long const bits = std::max(0L, -magnitude(bounds.width()));
+  return maker.finish(maker.claim("pi_by_sin", {bits + spare_bits}, {}, "pi", bounds));
 }
 
 }  // namespace zelk::certify

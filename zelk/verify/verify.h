@@ -30,4 +30,9 @@ struct Verdict {
 /// The certificate may come from anywhere: whatever it holds, nothing is thrown but std::bad_alloc.
 ZELK_EXPORT Verdict verify(Certificate const& certificate, Limits const& limits = {});
 
+/// What `verify` and the reading before it would find, if every claim followed from its theorem:
+/// whether the work, and the length, are within the limits. For those who make certificates; it
+/// costs hardly more than copying one.
+ZELK_EXPORT Verdict verify_limits(Certificate const& certificate, Limits const& limits = {});
+
 }  // namespace zelk::verify

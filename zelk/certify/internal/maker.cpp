@@ -1,12 +1,17 @@
 #include "zelk/certify/internal/maker.h"
 
 #include <algorithm>
+#include <cassert>
 #include <stdexcept>
 #include <utility>
 
 #include "zelk/certify/internal/effort.h"
+#include "zelk/certify/prove.h"
+#include "zelk/certify/write.h"
 #include "zelk/convert/text.h"
 #include "zelk/numbers/functions.h"
+#include "zelk/verify/read.h"
+#include "zelk/verify/verify.h"
 
 namespace zelk::certify {
 
@@ -18,6 +23,10 @@ using real::Kind;
 
 std::string infix(Part const& a, char sign, Part const& b) {
   return "(" + a.text + " " + sign + " " + b.text + ")";
+}
+
+[[maybe_unused]] bool is_accepted(verify::Certificate const& certificate) {
+  return verify::verify(verify::read_certificate(to_json_lines(certificate))).is_accepted;
 }
 
 }  // namespace
@@ -45,15 +54,14 @@ Part Maker::power(Kind kind, Part const& x, Part const& y, Interval const& image
   bool const is_root = kind == Kind::root;
   auto const name = std::string(is_root ? "root" : "power");
   auto text = is_root ? "root(" + x.text + ", " + y.text + ")" : infix(x, '^', y);
-  auto const& exponent = y.bounds.lower();
-  if (y.bounds.is_point() && is_short_power(x.bounds, exponent, image))
+  auto const factor = is_root ? Interval(y.bounds.lower().inv()) : y.bounds;
+  if (factor.is_point() && is_short_power(x.bounds, factor.lower(), image))
     return claim(is_root ? "root_by_power" : name, {}, {x, y}, std::move(text), image);
   if (x.bounds.lower().sign() <= 0)
-    throw std::length_error("no certificate of so great a power of what is not positive");
+    throw Unprovable("no certificate of so great a power of what is not positive");
   // What of the logarithm is unknown is multiplied by the exponent and by the value. log10 2 <
   // 0.30103.
-  auto const factor = is_root ? Interval(exponent.inv()) : y.bounds;
-  long const bits = accuracy_of(image, digits) + magnitude(image) + magnitude(factor) + 4;
+  long const bits = accuracy_of(image, digits) + magnitude(image) + magnitude(factor);
   auto const log_digits = static_cast<unsigned>(bits * 30103 / 100000 + 1);
   auto const log = combined(Kind::log, {x}, functions.log(x.bounds, log_digits), log_digits);
   auto const product = is_root ? combined(Kind::quotient, {log, y}, log.bounds * factor, log_digits)
@@ -68,7 +76,7 @@ Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& imag
   auto const& x = operands.empty() ? none : operands.front();
   auto const& y = operands.empty() ? none : operands.back();
   long const accuracy = accuracy_of(image, digits);
-  auto const call = [&](std::string const& name, char const* way, long extra_bits) {
+  auto const call = [&](std::string const& name, char const* way, long extra_bits = 0) {
     return claim(name + way, {accuracy + extra_bits}, {x}, name + "(" + x.text + ")", image);
   };
   switch (kind) {
@@ -77,7 +85,7 @@ Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& imag
     case Kind::variable:
       break;
     case Kind::pi:
-      return claim("pi_by_sin", {accuracy + 4}, {}, "pi", image);
+      return claim("pi_by_sin", {accuracy}, {}, "pi", image);
     case Kind::e:
       return combined(Kind::exp, {number(1)}, image, digits);
     case Kind::negative:
@@ -96,37 +104,42 @@ Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& imag
     case Kind::sqrt:
       return power(Kind::root, x, number(2), image, digits);
     case Kind::exp:
-      return call("exp", "_taylor", magnitude(image) + 4);
+      return call("exp", "_taylor", magnitude(image));
     case Kind::log: {
       // Less than the logarithm itself tells nothing of an exponential.
       auto const size = std::max(-image.lower(), image.upper());
       long const greatest = mpz_get_si(ceil(size).numerator());
-      return call("log", "_by_exp", 4 + std::max(0L, greatest - accuracy));
+      return call("log", "_by_exp", std::max(0L, greatest - accuracy) + spare_bits);
     }
     case Kind::sin:
-      return call("sin", "_taylor", 4);
+      return call("sin", "_taylor");
     case Kind::cos:
-      return call("cos", "_taylor", 4);
+      return call("cos", "_taylor");
     case Kind::tan:
-      return call("tan", "_taylor", 2 * magnitude(image) + 8);
+      return call("tan", "_taylor", 2 * magnitude(image));
     case Kind::atan:
-      return call("atan", "_by_tan", 4);
+      return call("atan", "_by_tan");
     case Kind::asin:
-      return call("asin", "_by_sin", flatness(x.bounds, accuracy) + 4);
+      return call("asin", "_by_sin", flatness(x.bounds, accuracy));
     case Kind::acos:
-      return call("acos", "_by_cos", flatness(x.bounds, accuracy) + 4);
+      return call("acos", "_by_cos", flatness(x.bounds, accuracy));
     case Kind::sinh:
-      return call("sinh", "_taylor", magnitude(image) + 4);
+      return call("sinh", "_taylor", magnitude(image));
     case Kind::cosh:
-      return call("cosh", "_taylor", magnitude(image) + 4);
+      return call("cosh", "_taylor", magnitude(image));
     case Kind::tanh:
-      return call("tanh", "_taylor", 6);
+      return call("tanh", "_taylor");
   }
   throw std::invalid_argument("the variable x has no value");
 }
 
 verify::Certificate Maker::finish(Part const& answer) {
   certificate.statement = answer.text;
+  auto const verdict = verify::verify_limits(certificate);
+  if (!verdict.is_accepted)
+    throw Unprovable("no certificate that checkers accept: claim " + std::to_string(verdict.claim) +
+                     ": " + verdict.reason);
+  assert(is_accepted(certificate));
   return std::move(certificate);
 }
 

@@ -34,7 +34,7 @@ class Maker {
   Part claim(std::string theorem, std::vector<long> const& arguments,
              std::vector<Part> const& premises, std::string text, real::Interval const& bounds);
 
-  /// That of which the last claim is about `answer`.
+  /// That of which the last claim is about `answer`. Throws: Unprovable.
   verify::Certificate finish(Part const& answer);
 
  private:

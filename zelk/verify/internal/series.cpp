@@ -63,6 +63,7 @@ Series::Point const& Series::at(QNumber const& x, bool is_circular) {
   long const products = 4 * (halvings + b / shrink) + 64;
   budget.spend(static_cast<double>(products), static_cast<double>(size));
   budget.spend(0, static_cast<double>(b + p.bits() + q.bits()), 1);
+  if (budget.only_counts()) return known.emplace_back(Point{x, is_circular, 0, 0, 0, 0});
 
   // y = |x|/2^halvings is doubled again.
   auto [s, c, terms] = sums_at((p << b) / (q << halvings), b, is_circular);
@@ -84,6 +85,7 @@ bool Series::surely(Function const& f, QNumber const& x, int sign, QNumber const
   bool const is_clipped = !f.is_circular && (sign > 0 ? bits < x : x < -bits);
   QNumber const nearer = is_clipped ? QNumber(sign > 0 ? bits : -bits) : x;
   auto const& [at_x, is_circular, s, c, b, error] = at(nearer, f.is_circular);
+  if (budget.only_counts()) return true;
   auto const [i, j, k] = f.form(nearer, above(bound), below(bound));
   Whole const value = i * s + j * c + (k << b);
   return (magnitude_of(i) + magnitude_of(j)) * error <= (sign > 0 ? value : -value);
