@@ -30,7 +30,7 @@ class ZELK_EXPORT Unprovable : public std::length_error {
   using std::length_error::length_error;
 };
 
-struct Proof {
+struct [[nodiscard]] Proof {
   real::Enclosure answer;
   verify::Certificate certificate;
 };

@@ -2,8 +2,10 @@
 
 #include <gmp.h>
 
+#include <algorithm>
 #include <deque>
 
+#include "zelk/numbers/functions.h"
 #include "zelk/verify/internal/theorems.h"
 #include "zelk/verify/internal/whole.h"
 
@@ -51,6 +53,17 @@ std::string filled_in(Theorem const& theorem, Case const& claim) {
       text += c;
   }
   return text;
+}
+
+/// Whether the ends of a claim are as near to each other as was asked for.
+bool is_narrow(Claim const& claim, unsigned long digits, bool is_relative) {
+  auto const width = claim.upper - claim.lower;
+  if (width.is_zero()) return true;
+  auto const allowed = is_relative ? std::max({claim.lower, -claim.upper, QNumber(0)}) : 1;
+  auto const times = allowed / width;
+  // What is not that long is less than 2^digits.
+  return digits <= static_cast<unsigned long>(above(times).bits()) &&
+         !(times < pow(10, static_cast<long>(digits)));
 }
 
 class Checker {
@@ -108,7 +121,8 @@ void need_room_for_reading(Certificate const& certificate, Limits const& limits)
   need(work <= limits.work, "too much work");
 }
 
-Verdict judge(Certificate const& certificate, Limits const& limits, bool only_counts) {
+Verdict judge(Certificate const& certificate, Limits const& limits, Question const& asked,
+              bool only_counts) {
   Verdict verdict;
   Checker checker(limits, only_counts);
   try {
@@ -120,6 +134,10 @@ Verdict judge(Certificate const& certificate, Limits const& limits, bool only_co
     }
     need(checker.last() == certificate.statement, "is not what the first line states");
     auto const& answer = claims.back();
+    need(asked.statement.value_or(certificate.statement) == certificate.statement,
+         "is not about what was asked");
+    need(!asked.digits || is_narrow(answer, *asked.digits, asked.is_relative),
+         "is wider than what was asked");
     if (only_counts)
       need_room_for_reading(certificate, limits);
     else
@@ -134,12 +152,12 @@ Verdict judge(Certificate const& certificate, Limits const& limits, bool only_co
 
 }  // namespace
 
-Verdict verify(Certificate const& certificate, Limits const& limits) {
-  return judge(certificate, limits, false);
+Verdict verify(Certificate const& certificate, Limits const& limits, Question const& asked) {
+  return judge(certificate, limits, asked, false);
 }
 
 Verdict verify_limits(Certificate const& certificate, Limits const& limits) {
-  return judge(certificate, limits, true);
+  return judge(certificate, limits, {}, true);
 }
 
 }  // namespace zelk::verify
