@@ -7,8 +7,8 @@
 
 #include "zelk/certify/internal/effort.h"
 #include "zelk/certify/prove.h"
+#include "zelk/certify/statement.h"
 #include "zelk/certify/write.h"
-#include "zelk/convert/text.h"
 #include "zelk/numbers/functions.h"
 #include "zelk/verify/read.h"
 #include "zelk/verify/verify.h"
@@ -17,13 +17,8 @@ namespace zelk::certify {
 
 namespace {
 
-using convert::to_string;
 using real::Interval;
 using real::Kind;
-
-std::string infix(Part const& a, char sign, Part const& b) {
-  return "(" + a.text + " " + sign + " " + b.text + ")";
-}
 
 [[maybe_unused]] bool is_accepted(verify::Certificate const& certificate) {
   return verify::verify(verify::read_certificate(to_json_lines(certificate))).is_accepted;
@@ -32,31 +27,23 @@ std::string infix(Part const& a, char sign, Part const& b) {
 }  // namespace
 
 Part Maker::claim(std::string theorem, std::vector<long> const& arguments,
-                  std::vector<Part> const& premises, std::string text, Interval const& bounds) {
+                  std::vector<Part> const& premises, Interval const& bounds) {
   verify::Claim made{std::move(theorem), {}, {}, bounds.lower(), bounds.upper()};
   made.arguments.assign(arguments.begin(), arguments.end());
-  for (auto const& premise : premises) made.premises.push_back(premise.claim);
+  for (auto const& premise : premises) made.premises.push_back(premise.number);
   certificate.claims.push_back(std::move(made));
-  return {certificate.claims.size(), std::move(text), bounds};
+  return {certificate.claims.size(), bounds};
 }
 
-Part Maker::number(Interval const& x) {
-  auto text = to_string(x.lower());
-  if (!x.is_point())
-    text = "[" + text + ", " + to_string(x.upper()) + "]";
-  else if (!x.lower().is_integer() || x.lower().sign() < 0)
-    text = "(" + text + ")";
-  return claim("number", {}, {}, std::move(text), x);
-}
+Part Maker::number(Interval const& x) { return claim("number", {}, {}, x); }
 
 /// Of numbers that are short for that by their powers, otherwise by the logarithm.
 Part Maker::power(Kind kind, Part const& x, Part const& y, Interval const& image, unsigned digits) {
   bool const is_root = kind == Kind::root;
   auto const name = std::string(is_root ? "root" : "power");
-  auto text = is_root ? "root(" + x.text + ", " + y.text + ")" : infix(x, '^', y);
   auto const factor = is_root ? Interval(y.bounds.lower().inv()) : y.bounds;
   if (factor.is_point() && is_short_power(x.bounds, factor.lower(), image))
-    return claim(is_root ? "root_by_power" : name, {}, {x, y}, std::move(text), image);
+    return claim(is_root ? "root_by_power" : name, {}, {x, y}, image);
   if (x.bounds.lower().sign() <= 0)
     throw Unprovable("no certificate of so great a power of what is not positive");
   // What of the logarithm is unknown is multiplied by the exponent and by the value. log10 2 <
@@ -67,17 +54,17 @@ Part Maker::power(Kind kind, Part const& x, Part const& y, Interval const& image
   auto const product = is_root ? combined(Kind::quotient, {log, y}, log.bounds * factor, log_digits)
                                : combined(Kind::product, {y, log}, factor * log.bounds, log_digits);
   auto const value = combined(Kind::exp, {product}, image, digits);
-  return claim(name + "_by_exp", {}, {x, y, value}, std::move(text), image);
+  return claim(name + "_by_exp", {}, {x, y, value}, image);
 }
 
 Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& image,
                      unsigned digits) {
-  static Part const none{0, "", 0};
+  static Part const none{0, 0};
   auto const& x = operands.empty() ? none : operands.front();
   auto const& y = operands.empty() ? none : operands.back();
   long const accuracy = accuracy_of(image, digits);
   auto const call = [&](std::string const& name, char const* way, long extra_bits = 0) {
-    return claim(name + way, {accuracy + extra_bits}, {x}, name + "(" + x.text + ")", image);
+    return claim(name + way, {accuracy + extra_bits}, {x}, image);
   };
   switch (kind) {
     case Kind::number:
@@ -85,19 +72,19 @@ Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& imag
     case Kind::variable:
       break;
     case Kind::pi:
-      return claim("pi_by_sin", {accuracy}, {}, "pi", image);
+      return claim("pi_by_sin", {accuracy}, {}, image);
     case Kind::e:
       return combined(Kind::exp, {number(1)}, image, digits);
     case Kind::negative:
-      return claim("negative", {}, {x}, "(-" + x.text + ")", image);
+      return claim("negative", {}, {x}, image);
     case Kind::sum:
-      return claim("sum", {}, {x, y}, infix(x, '+', y), image);
+      return claim("sum", {}, {x, y}, image);
     case Kind::difference:
-      return claim("difference", {}, {x, y}, infix(x, '-', y), image);
+      return claim("difference", {}, {x, y}, image);
     case Kind::product:
-      return claim("product", {}, {x, y}, infix(x, '*', y), image);
+      return claim("product", {}, {x, y}, image);
     case Kind::quotient:
-      return claim("quotient", {}, {x, y}, infix(x, '/', y), image);
+      return claim("quotient", {}, {x, y}, image);
     case Kind::power:
     case Kind::root:
       return power(kind, x, y, image, digits);
@@ -133,8 +120,8 @@ Part Maker::combined(Kind kind, std::vector<Part> operands, Interval const& imag
   throw std::invalid_argument("the variable x has no value");
 }
 
-verify::Certificate Maker::finish(Part const& answer) {
-  certificate.statement = answer.text;
+verify::Certificate Maker::finish(real::Expression const& expression) {
+  certificate.statement = statement_of(expression);
   auto const verdict = verify::verify_limits(certificate);
   if (!verdict.is_accepted)
     throw Unprovable("no certificate that checkers accept: claim " + std::to_string(verdict.claim) +
