@@ -40,20 +40,12 @@ class Questions {
                  {prove_sinh, 60}, {prove_cosh, 60}, {prove_tanh, 60}};
     auto const accuracy = next() % 2 != 0 ? Accuracy(next() % 40) : Accuracy::relative(next() % 40);
     try {
-      switch (kind %= 20) {
-        case 11:
-          return prove_root(functions, interval(99), 1 + next() % 6, accuracy);
-        case 12:
-          return prove_pow(functions, interval(9), number(5), accuracy);
-        case 13:
-          return prove_pi(functions, accuracy);
-        default:
-          return kind < 11 ? table[kind].prove(functions, interval(table[kind].most), accuracy)
-                           : prove(functions, expression(kind - 13), accuracy, 300);
-      }
-    } catch (std::domain_error const&) {
-      return {};
-    } catch (std::length_error const&) {
+      if (kind < 11) return table[kind].prove(functions, interval(table[kind].most), accuracy);
+      if (kind == 11) return prove_root(functions, interval(99), 1 + next() % 6, accuracy);
+      if (kind == 12) return prove_pow(functions, interval(9), number(5), accuracy);
+      if (kind == 13) return prove_pi(functions, accuracy);
+      return prove(functions, expression(kind - 13), accuracy, 300);
+    } catch (std::logic_error const&) {
       return {};
     }
   }
@@ -70,16 +62,10 @@ class Questions {
   /// Of powers of up to thousands, tiny numbers, and intervals.
   real::Expression expression(unsigned depth) {
     using real::Expression;
-    if (depth == 0) switch (next() % 4) {
-        case 0:
-          return Expression::pi() * number(9);
-        case 1:
-          return interval(3) * zelk::pow(10, -static_cast<long>(next()));
-        case 2:
-          return real::pow(interval(2), static_cast<long>(next() * 16) - 99);
-        default:
-          return interval(9);
-      }
+    Expression const leaves[] = {
+        Expression::pi() * number(9), interval(3) * zelk::pow(10, -static_cast<long>(next())),
+        real::pow(interval(2), static_cast<long>(next() * 16) - 99), interval(9)};
+    if (depth == 0) return leaves[next() % 4];
     auto const kind = static_cast<Kind>(4 + next() % 19);  // from negative to tanh
     auto x = expression(depth - 1);
     return arity_of(kind) == 1 ? Expression::combined(kind, std::move(x))
@@ -95,7 +81,7 @@ TEST(Certificates, OfRandomAnswersAreAccepted) {
   std::string text;
   std::size_t count = 0;
   for (unsigned i = 0; i < 2000; ++i)
-    if (auto const proof = questions.ask(i)) {
+    if (auto const proof = questions.ask(i % 20)) {
       auto const& last = proof->certificate.claims.back();
       ASSERT_TRUE(Interval(last.lower, last.upper) == proof->answer.bounds);
       text += to_json_lines(proof->certificate);
@@ -143,7 +129,7 @@ TEST(Certificates, OfCornersAreAccepted) {
         "2^1000.5",      "(4/9)^-1.5",        "root(-27/8, 3)",       "[-2, 1]^2",
         "[4, 9]^0.5",    "[1, 2]^[0.5, 0.7]", "cosh([-1, 2])",        "sin([-0.1, 8])",
         "cos([0, 4])",   "sin([0, 1])",       "e^pi - pi^e",          "-[1, 2]/[-3, -1]",
-        "atan(10^300)",  "root(2, 1000000)",  "1.000001^-3000000019", "sin([3, 7])",
+        "atan(10^300)",  "root(2, 1000000)",  "1.000000001^-3000001", "sin([3, 7])",
         "sin([4, 9])",   "tan([2, 4])",       "asin(1 - 1e-90)",      "log(1e-400)",
         "exp(-10^10)",   "cos([-3, 3])",      "acos([-1, 1])",        "2^5000",
         "1.0001^10000",  "[1, 2]^5000",       "sqrt(10^3000)",        "tan([-1.57, 1.57])",
