@@ -163,6 +163,9 @@ CommandLine::CommandLine() {
   add_flag(app, "--certificate", settings.style.certificate,
            "Print a certificate of each answer of exp, sin, cos, pi and eval in\n"
            "its place, as JSON Lines; with --json after it");
+  add_flag(app, "--statement", settings.style.statement,
+           "Print what that certificate would state, in its spelling, for\n"
+           "zelk-check-certificate --statement");
   add_option(app, "--max-digits", max_digits, "N", "Refuse queries for more DIGITS");
   add_option(app, "--max-bits", max_bits, "N",
              "Refuse queries that would take more bits of memory, or work\n"
@@ -295,6 +298,9 @@ void CommandLine::read_settings() {
   }
   if (settings.style.format == Format::coq && (settings.style.json || settings.style.certificate))
     refuse("--format coq excludes --json and --certificate");
+  if (settings.style.statement &&
+      (settings.style.format == Format::coq || settings.style.json || settings.style.certificate))
+    refuse("--statement excludes --format coq, --json and --certificate");
   settings.limits.max_digits = parse_count(Word{max_digits});
   settings.limits.max_bits = static_cast<double>(parse_whole(Word{max_bits}, LONG_MAX));
   if (app.count("--max-memory") != 0) {

@@ -13,6 +13,7 @@
 #include "zelk/approx/short_bounds.h"
 #include "zelk/approx/simplest.h"
 #include "zelk/certify/coq.h"
+#include "zelk/certify/statement.h"
 #include "zelk/real/enclose.h"
 
 namespace zelk::cli {
@@ -230,9 +231,29 @@ Proven prove_eval(Query const& query, Approximators& approximators) {
   return proven;
 }
 
+std::string state_eval(Query const& query) {
+  std::string statement;
+  certainly(query, [&]() -> Answer {
+    statement = certify::statement_of(query.expressions[0]);
+    return {};
+  });
+  return statement;
+}
+
 std::string goal_of_eval(Query const& query, Answer const& answer) {
   auto const& [lower, upper] = std::get<Evaluation>(answer).bounds;
   return certify::to_coq(query.expressions[0], real::Interval(lower, upper), *query.digits);
+}
+
+/// The bounds with their certificate. Where there is none, that becomes a refusal.
+template <class Certify>
+Proven certified(Query const& query, Bounds const& bounds, Certify const& certify) {
+  try {
+    auto const [lower, upper] = std::minmax(bounds.first, bounds.second);
+    return {bounds, certify(real::Interval(lower, upper))};
+  } catch (certify::Unprovable const& error) {
+    refuse(query, *query.words[0], error.what());
+  }
 }
 
 /// `certify` makes a certificate of the bounds, and `certify_companion` one of their companions.
@@ -242,14 +263,26 @@ Proven prove_sum(Query const& query, Approximators& approximators) {
   constexpr decltype(&certify) makers[] = {certify, certify_companion};
   // Short bounds hold those of one digit more.
   unsigned const digits = *query.digits + (query.kind == Query::shortened ? 1 : 0);
-  auto const [lower, upper] = std::minmax(bounds.first, bounds.second);
-  return {bounds, makers[query.kind == Query::derivative](approximators.series, query.numbers[0],
-                                                          digits, real::Interval(lower, upper))};
+  return certified(query, bounds, [&](real::Interval const& both) {
+    return makers[query.kind == Query::derivative](approximators.series, query.numbers[0], digits,
+                                                   both);
+  });
 }
+
+/// `companion` is the derivative of the function.
+template <auto& function, auto& companion>
+std::string state_sum(Query const& query) {
+  auto const x = query.numbers[0];
+  return certify::statement_of(query.kind == Query::derivative ? companion(x) : function(x));
+}
+
+real::Expression negative_sin(real::Expression x) { return -real::sin(std::move(x)); }
+
+std::string state_pi(Query const&) { return certify::statement_of(real::Expression::pi()); }
 
 Proven prove_pi(Query const& query, Approximators& approximators) {
   auto const bounds = std::get<Bounds>(pi(query, approximators));
-  return {bounds, certify::certify_pi(real::Interval(bounds.first, bounds.second))};
+  return certified(query, bounds, certify::certify_pi);
 }
 
 Answer compare(Query const& query, Approximators& approximators) {
@@ -358,7 +391,8 @@ std::span<Function const> all_functions() {
        .can_be_plotted = true,
        .demand = demand_of_exp,
        .solve = exp,
-       .prove = prove_sum<exp, certify::certify_exp, certify::certify_exp>},
+       .prove = prove_sum<exp, certify::certify_exp, certify::certify_exp>,
+       .state = state_sum<real::exp, real::exp>},
       {.name = "sin",
        .summary = "Bounds of sin X less than 2*10^-DIGITS apart, one per line",
        .examples = "  zelk sin 1/2 20 --short\n"
@@ -370,7 +404,8 @@ std::span<Function const> all_functions() {
        .can_be_plotted = true,
        .demand = demand_of_sine,
        .solve = sin,
-       .prove = prove_sum<sin, certify::certify_sin, certify::certify_cos>},
+       .prove = prove_sum<sin, certify::certify_sin, certify::certify_cos>,
+       .state = state_sum<real::sin, real::cos>},
       {.name = "cos",
        .summary = "Bounds of cos X less than 2*10^-DIGITS apart, one per line",
        .examples = "  zelk cos 1/2 20 --short",
@@ -381,7 +416,8 @@ std::span<Function const> all_functions() {
        .can_be_plotted = true,
        .demand = demand_of_sine,
        .solve = cos,
-       .prove = prove_sum<cos, certify::certify_cos, certify::certify_negative_sin>},
+       .prove = prove_sum<cos, certify::certify_cos, certify::certify_negative_sin>,
+       .state = state_sum<real::cos, negative_sin>},
       {.name = "pi",
        .summary = "Bounds of pi at most 10^-DIGITS apart, one per line",
        .examples = "  zelk pi 20 --short\n"
@@ -392,7 +428,8 @@ std::span<Function const> all_functions() {
        .can_be_plotted = false,
        .demand = demand_of_pi,
        .solve = pi,
-       .prove = prove_pi},
+       .prove = prove_pi,
+       .state = state_pi},
       {.name = "eval",
        .summary = "Bounds of an expression at most 10^-DIGITS apart, one per line",
        .examples =
@@ -411,6 +448,7 @@ std::span<Function const> all_functions() {
        .demand = demand_of_expression,
        .solve = eval,
        .prove = prove_eval,
+       .state = state_eval,
        .goal = goal_of_eval},
       {.name = "compare",
        .summary = "Whether A is less than B, equal or greater: <, = or >",

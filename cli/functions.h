@@ -89,8 +89,9 @@ struct Function {
   Demand (&demand)(Query const& query, unsigned places);
   Answer (&solve)(Query const& query, Approximators& approximators);  // Throws: Refusal.
 
-  /// The same with a certificate; null where there are none.
+  /// The same with a certificate, and what it states; null where there are none.
   Proven (*prove)(Query const& query, Approximators& approximators) = nullptr;
+  std::string (*state)(Query const& query) = nullptr;
 
   /// The answer as a goal for Coq; null where there are none. Throws: Refusal.
   std::string (*goal)(Query const& query, Answer const& answer) = nullptr;

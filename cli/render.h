@@ -19,10 +19,12 @@ struct Style {
   std::optional<unsigned> places;  // of decimals, if they are not to follow from the query
   bool json = false;
   bool certificate = false;  // in the place of text, and after JSON
+  bool statement = false;    // of the certificate, in the place of text
 };
 
 inline ProofKind proof_of(Style const& style) {
   return style.certificate             ? ProofKind::certificate
+         : style.statement             ? ProofKind::statement
          : style.format == Format::coq ? ProofKind::goal
                                        : ProofKind::none;
 }

@@ -17,8 +17,10 @@ namespace {
 
 Answered Solver::answer_within(double room, Query const& query, double bits, ProofKind kind) {
   auto const& function = *query.function;
-  if (kind == ProofKind::certificate && function.prove == nullptr) refuse(function, "certificates");
+  bool const is_certified = kind == ProofKind::certificate || kind == ProofKind::statement;
+  if (is_certified && function.prove == nullptr) refuse(function, "certificates");
   if (kind == ProofKind::goal && function.goal == nullptr) refuse(function, "goals");
+  if (kind == ProofKind::statement) return {{}, function.state(query)};
   if (held + bits > room) let_go();
   if (!approximators) approximators = std::make_unique<Approximators>(limits.max_bits);
   held += bits;

@@ -8,9 +8,10 @@
 
 namespace zelk::cli {
 
-enum class ProofKind { none, certificate, goal };
+enum class ProofKind { none, certificate, statement, goal };
 
-/// An answer, with its proof if one was asked for: lines, the last without its end.
+/// An answer, with its proof if one was asked for: lines, the last without its end. What a
+/// certificate would state stands alone.
 struct Answered {
   Answer answer;
   std::string proof;

@@ -16,6 +16,7 @@
 #include "zelk/approx/convergents.h"
 #include "zelk/approx/simplest.h"
 #include "zelk/certify/prove.h"
+#include "zelk/certify/statement.h"
 #include "zelk/certify/write.h"
 #include "zelk/convert/decimal.h"
 #include "zelk/real/enclose.h"
@@ -145,10 +146,36 @@ std::string prove(py::handle formula, py::handle x, py::handle digits, bool is_r
   });
 }
 
-std::string check(py::handle certificate) {
+/// A statement as it is spelled of what is typed, where fractions are quotients; given as numbers
+/// they are numbers.
+std::string as_typed(std::string const& statement) {
+  return certify::statement_of(real::parse_expression(statement));
+}
+
+/// The statement of the certificate if it means the expression, otherwise that of the expression.
+std::string wanted_statement(real::Expression const& expression,
+                             verify::Certificate const& certificate) {
+  auto const wanted = as_typed(certify::statement_of(expression));
+  try {
+    if (as_typed(certificate.statement) == wanted) return certificate.statement;
+  } catch (std::invalid_argument const&) {  // it is no expression
+  }
+  return wanted;
+}
+
+std::string check(py::handle certificate, py::handle expression, py::handle digits,
+                  bool is_relative) {
   auto const text = text_of(certificate);
+  verify::Question asked{.is_relative = is_relative};
+  if (!digits.is_none()) asked.digits = to_count(digits, "digits");
+  std::optional<real::Expression> subject;
+  if (!expression.is_none()) subject = to_expression(expression);
   auto const verdict = compute([] { return std::string("certificate"); },
-                               [&] { return verify::verify(verify::read_certificate(text)); });
+                               [&] {
+                                 auto const given = verify::read_certificate(text);
+                                 if (subject) asked.statement = wanted_statement(*subject, given);
+                                 return verify::verify(given, {}, asked);
+                               });
   if (!verdict.is_accepted)
     throw py::value_error("rejected: claim " + std::to_string(verdict.claim) + ": " +
                           verdict.reason);

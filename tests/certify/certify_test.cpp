@@ -9,6 +9,7 @@
 #include "tests/support/random_number.h"
 #include "zelk/approx/cosine.h"
 #include "zelk/approx/short_bounds.h"
+#include "zelk/certify/internal/arity.h"
 #include "zelk/certify/prove.h"
 #include "zelk/certify/write.h"
 #include "zelk/numbers/functions.h"
@@ -20,6 +21,7 @@ namespace {
 
 using real::Accuracy;
 using real::Interval;
+using real::Kind;
 using test::judge_by_both;
 using verify::Certificate;
 
@@ -28,49 +30,22 @@ class Questions {
  public:
   explicit Questions(unsigned seed) : next(test::random_bytes(seed)) {}
 
-  /// Nothing where the function is not defined.
+  /// Nothing where the function is not defined, or too long.
   std::optional<Proof> ask(unsigned kind) {
+    static constexpr struct {
+      Proof (*prove)(Functions&, Interval const&, Accuracy);
+      long most;
+    } table[] = {{prove_exp, 60},  {prove_log, 999}, {prove_sin, 20}, {prove_cos, 20},
+                 {prove_tan, 3},   {prove_asin, 1},  {prove_acos, 1}, {prove_atan, 99},
+                 {prove_sinh, 60}, {prove_cosh, 60}, {prove_tanh, 60}};
     auto const accuracy = next() % 2 != 0 ? Accuracy(next() % 40) : Accuracy::relative(next() % 40);
-    auto& f = functions;
     try {
-      switch (kind % 15) {
-        case 0:
-          return prove_exp(f, interval(9), accuracy);
-        case 1:
-          return prove_log(f, interval(999), accuracy);
-        case 2:
-          return prove_root(f, interval(99), 1 + next() % 6, accuracy);
-        case 3:
-          return prove_pow(f, interval(9), number(5), accuracy);
-        case 4:
-          return prove_sin(f, interval(20), accuracy);
-        case 5:
-          return prove_cos(f, interval(20), accuracy);
-        case 6:
-          return prove_tan(f, interval(3), accuracy);
-        case 7:
-          return prove_asin(f, interval(1), accuracy);
-        case 8:
-          return prove_acos(f, interval(1), accuracy);
-        case 9:
-          return prove_atan(f, interval(99), accuracy);
-        case 10:
-          return prove_sinh(f, interval(9), accuracy);
-        case 11:
-          return prove_cosh(f, interval(9), accuracy);
-        case 12:
-          return prove_tanh(f, interval(9), accuracy);
-        case 13:
-          return prove_pi(f, accuracy);
-        default:
-          return prove(f,
-                       real::pow(real::exp(interval(3)), real::sqrt(interval(3))) -
-                           real::Expression::pi() * interval(9) / real::log(interval(9)),
-                       next() % 40);
-      }
-    } catch (std::domain_error const&) {
-      return {};
-    } catch (std::length_error const&) {  // a relative width of what may be 0
+      if (kind < 11) return table[kind].prove(functions, interval(table[kind].most), accuracy);
+      if (kind == 11) return prove_root(functions, interval(99), 1 + next() % 6, accuracy);
+      if (kind == 12) return prove_pow(functions, interval(9), number(5), accuracy);
+      if (kind == 13) return prove_pi(functions, accuracy);
+      return prove(functions, expression(kind - 13), accuracy, 300);
+    } catch (std::logic_error const&) {
       return {};
     }
   }
@@ -84,9 +59,21 @@ class Questions {
     auto const a = number(most), b = next() % 3 != 0 ? a : number(most);
     return a < b ? Interval(a, b) : Interval(b, a);
   }
+  /// Of powers of up to thousands, tiny numbers, and intervals.
+  real::Expression expression(unsigned depth) {
+    using real::Expression;
+    Expression const leaves[] = {
+        Expression::pi() * number(9), interval(3) * zelk::pow(10, -static_cast<long>(next())),
+        real::pow(interval(2), static_cast<long>(next() * 16) - 99), interval(9)};
+    if (depth == 0) return leaves[next() % 4];
+    auto const kind = static_cast<Kind>(4 + next() % 19);  // from negative to tanh
+    auto x = expression(depth - 1);
+    return arity_of(kind) == 1 ? Expression::combined(kind, std::move(x))
+                               : Expression::combined(kind, std::move(x), expression(0));
+  }
 
   decltype(test::random_bytes(0)) next;
-  real::ElementaryFunctions functions;
+  real::ElementaryFunctions functions{1e5};
 };
 
 TEST(Certificates, OfRandomAnswersAreAccepted) {
@@ -94,7 +81,7 @@ TEST(Certificates, OfRandomAnswersAreAccepted) {
   std::string text;
   std::size_t count = 0;
   for (unsigned i = 0; i < 2000; ++i)
-    if (auto const proof = questions.ask(i)) {
+    if (auto const proof = questions.ask(i % 20)) {
       auto const& last = proof->certificate.claims.back();
       ASSERT_TRUE(Interval(last.lower, last.upper) == proof->answer.bounds);
       text += to_json_lines(proof->certificate);
@@ -105,7 +92,7 @@ TEST(Certificates, OfRandomAnswersAreAccepted) {
   na::PowerSeriesApproximator series(rational);
   for (long n = -60; n <= 60; n += 3)
     for (unsigned const digits : {0U, 1U, 9U, 30U}) {
-      QNumber const x(n, 7);
+      QNumber const x(n * std::abs(n), 59);
       auto const add = [&](auto certify, auto const& bounds) {
         text += to_json_lines(certify(series, x, digits, Interval(bounds.first, bounds.second)));
         ++count;
@@ -113,6 +100,7 @@ TEST(Certificates, OfRandomAnswersAreAccepted) {
       add(certify_exp, series.maclaurin_exp_bounds(x, digits));
       add(certify_sin, series.maclaurin_sin_bounds(x, digits));
       add(certify_cos, na::cosine_bounds(series, x, digits));
+      add(certify_cos, na::short_cos_bounds(series, x, digits));
       auto const exp = series.maclaurin_exp_der_bounds(x, digits);
       add(certify_exp, n < 0 ? std::pair(exp.second, exp.first) : exp);
       auto const sin = series.maclaurin_sin_bounds(x, digits);
@@ -141,13 +129,51 @@ TEST(Certificates, OfCornersAreAccepted) {
         "2^1000.5",      "(4/9)^-1.5",        "root(-27/8, 3)",       "[-2, 1]^2",
         "[4, 9]^0.5",    "[1, 2]^[0.5, 0.7]", "cosh([-1, 2])",        "sin([-0.1, 8])",
         "cos([0, 4])",   "sin([0, 1])",       "e^pi - pi^e",          "-[1, 2]/[-3, -1]",
-        "atan(10^300)",  "root(2, 1000000)",  "1.000001^-3000000019", "sin([3, 7])",
+        "atan(10^300)",  "root(2, 1000000)",  "1.000000001^-3000001", "sin([3, 7])",
         "sin([4, 9])",   "tan([2, 4])",       "asin(1 - 1e-90)",      "log(1e-400)",
-        "exp(-10^10)",   "cos([-3, 3])",      "acos([-1, 1])"})
-    for (unsigned const digits : {0U, 3U, 30U})
+        "exp(-10^10)",   "cos([-3, 3])",      "acos([-1, 1])",        "2^5000",
+        "1.0001^10000",  "[1, 2]^5000",       "sqrt(10^3000)",        "tan([-1.57, 1.57])",
+        "cos(e^-319)",   "sin(420.4^300)",    "cosh(e^-99)",          "1e-20000",
+        "1^(10^9)",      "sin(pi/2 + e^-99)", "tan(pi/2 - e^-99)",    "cos(sqrt(2)*1e-30)"})
+    for (auto const accuracy : {Accuracy(0), Accuracy(3), Accuracy(30), Accuracy::relative(9)})
       text +=
-          to_json_lines(prove(functions, real::parse_expression(expression), digits).certificate);
+          to_json_lines(prove(functions, real::parse_expression(expression), accuracy).certificate);
   for (auto const& verdict : judge_by_both({text})) EXPECT_TRUE(verdict.starts_with("accepted: "));
+}
+
+/// What would be too much is foreseen as it is counted, and refused before it is made.
+TEST(Certificates, BeyondTheLimitsAreRefused) {
+  real::ElementaryFunctions functions;
+  auto const least_work = [](Certificate const& certificate, bool is_foreseen) {
+    verify::Limits limits;
+    for (double bit = limits.work / 2; bit >= 1; bit /= 2) {
+      verify::Limits const less{limits.work - bit};
+      if ((is_foreseen ? verify::verify_limits(certificate, less)
+                       : verify::verify(certificate, less))
+              .is_accepted)
+        limits = less;
+    }
+    return limits.work;
+  };
+  for (char const* const expression : {"exp(-[7/3, 60])", "cos([0, 4])/sin(9)", "tan([-1.5, 1.57])",
+                                       "acos(-[0.5, 1])", "2^0.5^99", "pi - 7^(1/10000000019)"}) {
+    auto const proof = prove(functions, real::parse_expression(expression), 9).certificate;
+    EXPECT_EQ(least_work(proof, true), least_work(proof, false)) << expression;
+  }
+  std::string ones = "1";
+  for (unsigned i = 1; i < 9999; ++i) ones += "+1";
+  std::pair<std::string, char const*> const table[] = {
+      {"1e-300000 + 1", "that checkers accept: claim 3: too much work"},
+      {"1e-780000", "that checkers accept: claim 1: too much work"},
+      {"(-1)^(10^9 + 1)", "of so great a power of what is not positive"},
+      {ones, "that checkers accept: claim 9459: too long a statement"},
+  };
+  for (auto const& [expression, reason] : table) try {
+      ADD_FAILURE()
+          << prove(functions, real::parse_expression(expression), 3).certificate.statement;
+    } catch (Unprovable const& unprovable) {
+      EXPECT_EQ(unprovable.what(), std::string("no certificate ") + reason);
+    }
 }
 
 /// Every way to change one thing.

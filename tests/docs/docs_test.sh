@@ -28,6 +28,7 @@ documents=(README.md CONTRIBUTING.md docs/*.md)
 mkdir "$scratch/scripts"
 ln -s "$zelk" "$scratch/zelk"
 ln -s "$zelk" "$scratch/scripts/run"
+ln -s "$root/scripts/check_certificate" "$scratch/zelk-check-certificate"
 answers() (cd "$scratch" && PATH=$scratch:$PATH bash -c "$1" 2>&1 || true)
 for document in "${documents[@]}"; do
   awk '/^(    )?\$ / { open = 1 } /^$|^```/ { open = 0 } open { sub(/^    /, ""); print }' "$document"

@@ -15,7 +15,7 @@ namespace zelk::certify {
 /// The tactic does not prove all: arc sines and cosines are told by arc tangents, which tells too
 /// little of intervals of them, and a power of what may be 0 or negative is none in Coq, unless the
 /// exponent is an integer.
-ZELK_EXPORT std::string to_coq(real::Expression const& expression, real::Interval const& bounds,
-                               unsigned digits);
+[[nodiscard]] ZELK_EXPORT std::string to_coq(real::Expression const& expression,
+                                             real::Interval const& bounds, unsigned digits);
 
 }  // namespace zelk::certify

@@ -8,7 +8,6 @@
 #include "zelk/certify/internal/arity.h"
 #include "zelk/certify/internal/effort.h"
 #include "zelk/certify/internal/maker.h"
-#include "zelk/convert/text.h"
 
 namespace zelk::certify {
 
@@ -27,8 +26,10 @@ Proof prove_image(Functions& functions, Kind kind, std::vector<Interval> const& 
   std::vector<Part> parts;
   parts.reserve(operands.size());
   for (auto const& operand : operands) parts.push_back(maker.number(operand));
-  auto const answer = maker.combined(kind, std::move(parts), image, accuracy.digits());
-  return {{image, true}, maker.finish(answer)};
+  maker.combined(kind, std::move(parts), image, accuracy.digits());
+  std::vector<Kind> postfix(operands.size(), Kind::number);
+  postfix.push_back(kind);
+  return {{image, true}, maker.finish(Expression::from_postfix(std::move(postfix), operands))};
 }
 
 Proof prove_image(Functions& functions, Kind kind, Function function, Interval const& x,
@@ -36,17 +37,16 @@ Proof prove_image(Functions& functions, Kind kind, Function function, Interval c
   return prove_image(functions, kind, {x}, (functions.*function)(x, accuracy), accuracy);
 }
 
-/// That what is a function of a number has such a value: bounds that lie more than 2^-bits from it.
-verify::Certificate certify_call(char const* name, QNumber const& x, long bits,
+/// That a function of a number has such a value: bounds that lie more than 2^-bits from it.
+verify::Certificate certify_call(char const* theorem, Expression const& value, long bits,
                                  Interval const& bounds, bool is_negated = false) {
   Functions functions;
   Maker maker(functions);
-  auto const point = maker.number(x);
-  auto answer =
-      maker.claim(std::string(name) + "_taylor", {bits + 8}, {point},
-                  std::string(name) + "(" + point.text + ")", is_negated ? -bounds : bounds);
-  if (is_negated) answer = maker.combined(Kind::negative, {answer}, bounds, 0);
-  return maker.finish(answer);
+  auto const x = maker.number(value.numbers()[0]);
+  auto const answer = maker.claim(theorem, {bits + spare_bits}, {x}, is_negated ? -bounds : bounds);
+  if (!is_negated) return maker.finish(value);
+  maker.combined(Kind::negative, {answer}, bounds, 0);
+  return maker.finish(-value);
 }
 
 /// The power of x that the sine's sum stopped at.
@@ -77,7 +77,7 @@ Proof prove(Functions& functions, Expression const& expression, Accuracy accurac
       parts.push_back(maker.combined(kind, std::move(operands), *image, steps.digits));
     ++image;
   }
-  return {answer, maker.finish(parts.back())};
+  return {answer, maker.finish(expression)};
 }
 
 Proof prove_exp(Functions& functions, Interval const& x, Accuracy accuracy) {
@@ -135,18 +135,20 @@ verify::Certificate certify_exp(Series& series, QNumber const& x, unsigned digit
   series.maclaurin_exp_bounds(x, digits);
   long const degree = series.exp_records().find({x, digits}).node->value.second.degree;
   // Of a great value the relative accuracy counts.
-  return certify_call("exp", x, smallness_of_term(x, degree + 1) + magnitude(bounds), bounds);
+  return certify_call("exp_taylor", real::exp(x),
+                      smallness_of_term(x, degree + 1) + magnitude(bounds), bounds);
 }
 
 verify::Certificate certify_sin(Series& series, QNumber const& x, unsigned digits,
                                 Interval const& bounds) {
-  return certify_call("sin", x, smallness_of_term(x, degree_of_sin(series, x, digits) + 1), bounds);
+  return certify_call("sin_taylor", real::sin(x),
+                      smallness_of_term(x, degree_of_sin(series, x, digits) + 1), bounds);
 }
 
 verify::Certificate certify_negative_sin(Series& series, QNumber const& x, unsigned digits,
                                          Interval const& bounds) {
-  return certify_call("sin", x, smallness_of_term(x, degree_of_sin(series, x, digits) + 1), bounds,
-                      true);
+  return certify_call("sin_taylor", real::sin(x),
+                      smallness_of_term(x, degree_of_sin(series, x, digits) + 1), bounds, true);
 }
 
 verify::Certificate certify_cos(Series& series, QNumber const& x, unsigned digits,
@@ -157,7 +159,8 @@ verify::Certificate certify_cos(Series& series, QNumber const& x, unsigned digit
     if (!intersection(bounds, found))
       throw std::invalid_argument("the cosine is not within its bounds");
     if (!bounds.contains(found)) continue;
-    return certify_call("cos", x, smallness_of_term(x, degree_of_sin(series, x, asked)), bounds);
+    return certify_call("cos_taylor", real::cos(x),
+                        smallness_of_term(x, degree_of_sin(series, x, asked)), bounds);
   }
 }
 
@@ -165,8 +168,9 @@ verify::Certificate certify_pi(Interval const& bounds) {
   Functions functions;
   Maker maker(functions);
   // The ends are farther from pi than 2^-20 of their distance.
-  long const bits = 24 - magnitude(bounds.width());
-  return maker.finish(maker.claim("pi_by_sin", {std::max(bits, 8L)}, {}, "pi", bounds));
+  long const bits = std::max(0L, -magnitude(bounds.width()));
+  maker.claim("pi_by_sin", {bits + spare_bits}, {}, bounds);
+  return maker.finish(Expression::pi());
 }
 
 }  // namespace zelk::certify

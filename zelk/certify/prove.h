@@ -1,5 +1,7 @@
 #pragma once
 
+#include <stdexcept>
+
 #include "zelk/approx/power_series_approximator.h"
 #include "zelk/config.h"
 #include "zelk/numbers/q_number.h"
@@ -15,13 +17,20 @@
 /// `zelk::verify::verify` or scripts/check_certificate whether it is right.
 ///
 /// A proof is found without computing anything again: it consists of the ends known anyway and of
-/// the numbers of bits with which a checker reaches them.
+/// the numbers of bits with which a checker reaches them. In debug builds that is checked.
 ///
-/// Throws: what those functions throw; also std::length_error if an answer has no certificate,
-/// since in it stands a power of what is not positive that is millions of bits long.
+/// Both checkers accept what is returned here, within their default limits. Throws: what those
+/// functions throw; also Unprovable.
 namespace zelk::certify {
 
-struct Proof {
+/// There is an answer, but no certificate that checkers accept: in it stands a power of what is not
+/// positive that is millions of bits long, or they refuse so much work.
+class ZELK_EXPORT Unprovable : public std::length_error {
+ public:
+  using std::length_error::length_error;
+};
+
+struct [[nodiscard]] Proof {
   real::Enclosure answer;
   verify::Certificate certificate;
 };

@@ -9,6 +9,6 @@ namespace zelk::certify {
 
 /// A certificate as JSON Lines (docs/certificates.md): the first says what it states, then a claim
 /// a line. Each line ends with a line end.
-ZELK_EXPORT std::string to_json_lines(verify::Certificate const& certificate);
+[[nodiscard]] ZELK_EXPORT std::string to_json_lines(verify::Certificate const& certificate);
 
 }  // namespace zelk::certify

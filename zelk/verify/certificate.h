@@ -20,7 +20,7 @@ struct Claim {
 
 /// Claims each of which follows from those before it. The last is what is to be shown, and the
 /// statement says what it is about.
-struct Certificate {
+struct [[nodiscard]] Certificate {
   std::string statement;
   std::vector<Claim> claims;
 };

@@ -1,7 +1,5 @@
 #include "zelk/verify/read.h"
 
-#include <gmp.h>
-
 #include <algorithm>
 #include <string>
 
@@ -82,15 +80,11 @@ class Reader {
     auto const slash = std::min(word.find('/'), word.size());
     work_left -= static_cast<double>(word.size()) * static_cast<double>(word.size());
     if (work_left < 0) throw NoCertificate("too much work");
-    mpq_t q;
-    mpq_init(q);
-    mpq_set_str(q, std::string(word).c_str(), 10);
-    mpz_gcd(QNumber::gmp_tmp[0], mpq_numref(q), mpq_denref(q));
-    bool const is_reduced = mpz_cmp_ui(QNumber::gmp_tmp[0], 1) == 0 && word.substr(slash) != "/1";
-    auto value = is_reduced ? QNumber::from_lowest_terms({mpq_numref(q), mpq_denref(q)}) : 0;
-    mpq_clear(q);
-    if (!is_reduced) throw NoCertificate("a number that is not in lowest terms");
-    return value;
+    Whole const numerator(std::string(word.substr(0, slash)));
+    Whole const denominator(slash == word.size() ? "1" : std::string(word.substr(slash + 1)));
+    if (word.substr(slash) == "/1" || gcd(numerator, denominator) != 1)
+      throw NoCertificate("a number that is not in lowest terms");
+    return QNumber::from_lowest_terms({numerator.get(), denominator.get()});
   }
 
   Claim claim(std::string_view text) {

@@ -16,7 +16,7 @@ struct NoCertificate : std::invalid_argument {
 
 /// The lines of the first certificate of a text, which are taken away from it: the first, and those
 /// that do not begin as a first line does.
-ZELK_EXPORT std::string_view next_certificate(std::string_view& text);
+[[nodiscard]] ZELK_EXPORT std::string_view next_certificate(std::string_view& text);
 
 /// A certificate from its lines (docs/certificates.md), in the only spelling that it has. The text
 /// is not trusted, and conversions of numbers count as work within the limits.

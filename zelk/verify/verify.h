@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "zelk/config.h"
@@ -16,7 +17,7 @@ struct Limits {
   double work = 1099511627776;  // 2^40
 };
 
-struct Verdict {
+struct [[nodiscard]] Verdict {
   bool is_accepted = false;
   std::size_t claim = 0;  // the first that does not follow, counted from 1
   std::string reason;     // why not
@@ -25,9 +26,27 @@ struct Verdict {
   std::string statement;
 };
 
-/// Whether each claim follows from those before it, and the last is about what is stated.
+/// What is to be shown, so far as it matters: a certificate alone says what it likes to.
+struct Question {
+  /// Spelled as in certificates: what `certify::statement_of` says of an expression.
+  std::optional<std::string> statement = std::nullopt;
+
+  /// How near the ends are to be to each other: at most 10^-digits apart, or at most 10^-digits
+  /// times the number between them that is nearest to 0.
+  std::optional<unsigned long> digits = std::nullopt;
+  bool is_relative = false;
+};
+
+/// Whether each claim follows from those before it, and the last is about what is stated, and what
+/// was asked for.
 ///
 /// The certificate may come from anywhere: whatever it holds, nothing is thrown but std::bad_alloc.
-ZELK_EXPORT Verdict verify(Certificate const& certificate, Limits const& limits = {});
+ZELK_EXPORT Verdict verify(Certificate const& certificate, Limits const& limits = {},
+                           Question const& asked = {});
+
+/// What `verify` and the reading before it would find, if every claim followed from its theorem:
+/// whether the work, and the length, are within the limits. For those who make certificates; it
+/// costs hardly more than copying one.
+ZELK_EXPORT Verdict verify_limits(Certificate const& certificate, Limits const& limits = {});
 
 }  // namespace zelk::verify

@@ -40,7 +40,7 @@ long accuracy_of(real::Interval const& image, unsigned digits) {
   long zeros = 0;
   for (auto const* end : {&image.lower(), &image.upper()})
     if (!end->is_zero()) zeros = std::max(zeros, 2 - magnitude(*end));
-  return static_cast<long>(digits * 332193UL / 100000UL) + zeros + real::answer_margin_bits + 12;
+  return digits * 10L / 3 + zeros + real::answer_margin_bits + spare_bits;  // log2 10 < 10/3
 }
 
 long flatness(real::Interval const& x, long accuracy) {
@@ -61,9 +61,8 @@ long smallness_of_term(QNumber const& x, long n) {
 
 bool is_short_power(real::Interval const& x, QNumber const& exponent, real::Interval const& image) {
   constexpr long most_bits = 1L << 22;
-  auto const greater = std::max(abs(numerator(exponent)), denominator(exponent));
-  // What is exact has no other proof.
-  return greater * std::max(size_of(x), size_of(image)) <= (image.is_point() ? 4 : 1) * most_bits;
+  return std::max(abs(numerator(exponent)) * size_of(x), denominator(exponent) * size_of(image)) <=
+         most_bits;
 }
 
 }  // namespace zelk::certify

@@ -8,6 +8,9 @@
 /// is none.
 namespace zelk::certify {
 
+/// More than what the errors of a check and roundings of the magnitudes here take.
+constexpr long spare_bits = 32;
+
 /// A bound e with |x| < 2^e, and |x| > 2^(e-2) unless x is 0.
 long magnitude(QNumber const& x);
 
@@ -24,7 +27,7 @@ long flatness(real::Interval const& x, long accuracy);
 /// An s with |x|^n/n! > 2^-s.
 long smallness_of_term(QNumber const& x, long n);
 
-/// Whether powers of exact numbers prove that x^exponent lies in the image, in reasonable time.
+/// Whether powers of the ends prove in reasonable time that x^exponent lies in the image.
 bool is_short_power(real::Interval const& x, QNumber const& exponent, real::Interval const& image);
 
 }  // namespace zelk::certify

@@ -12,8 +12,7 @@ namespace zelk::certify {
 
 /// A claim that has been made.
 struct Part {
-  std::size_t claim;
-  std::string text;  // what it is about
+  std::size_t number;  // counted from 1
   real::Interval bounds;
 };
 
@@ -32,10 +31,10 @@ class Maker {
 
   /// What is not known by its digits.
   Part claim(std::string theorem, std::vector<long> const& arguments,
-             std::vector<Part> const& premises, std::string text, real::Interval const& bounds);
+             std::vector<Part> const& premises, real::Interval const& bounds);
 
-  /// That of which the last claim is about `answer`.
-  verify::Certificate finish(Part const& answer);
+  /// That whose last claim is about an expression. Throws: Unprovable.
+  verify::Certificate finish(real::Expression const& expression);
 
  private:
   Part power(real::Kind kind, Part const& x, Part const& y, real::Interval const& image,

@@ -19,7 +19,11 @@ inline void need(bool condition, char const* reason) {
 /// every limit, so that doubles count exactly.
 class Budget {
  public:
-  explicit Budget(Limits const& limits) : left(limits.work) {}
+  /// One that only counts has everything counted, and nothing done that it is counted for.
+  explicit Budget(Limits const& limits, bool is_only_counting)
+      : left(limits.work), counts_only(is_only_counting) {}
+
+  bool only_counts() const { return counts_only; }
 
   /// Counts so many products and divisions of so many bits, before they are done.
   void spend(double products, double bits, double divisions = 0) {
@@ -29,6 +33,7 @@ class Budget {
 
  private:
   double left;
+  bool counts_only;
 };
 
 }  // namespace zelk::verify

@@ -31,6 +31,7 @@ bool negative(Case& claim) {
 /// Operations that are monotone in each operand.
 template <class Operation>
 bool corners(Case& claim) {
+  if (claim.budget.only_counts()) return true;
   Operation const operation;
   auto const &x = *claim.premises[0], &y = *claim.premises[1];
   return encloses(claim, {operation(x.lower, y.lower), operation(x.lower, y.upper),
@@ -48,16 +49,19 @@ QNumber raised(QNumber const& x, long k) {
   return x.sign() < 0 && k % 2 == 0 ? -power : power;
 }
 
+long longest_part(QNumber const& a, QNumber const& b) {
+  return std::max({above(a).bits(), below(a).bits(), above(b).bits(), below(b).bits()});
+}
+
 /// Whether x^(n/d) lies in the claim's interval for all x of the premise's.
 bool powers_follow(Case& claim, QNumber const& n_as_number, QNumber const& d_as_number) {
   auto const& x = *claim.premises[0];
-  auto const greater = std::max(abs(n_as_number), d_as_number);
-  need(!(most_bits < greater), "an argument out of range");
-  long longest = 0;
-  for (auto const* q : {&x.lower, &x.upper, &claim.lower, &claim.upper})
-    longest = std::max({longest, above(*q).bits(), below(*q).bits()});
-  claim.budget.spend(16, static_cast<double>(above(greater).to_long() * longest));
+  need(!(most_bits < std::max(abs(n_as_number), d_as_number)), "an argument out of range");
   long const n = above(n_as_number).to_long(), d = above(d_as_number).to_long();
+  long const longest = std::max(std::abs(n) * longest_part(x.lower, x.upper),
+                                d * longest_part(claim.lower, claim.upper));
+  claim.budget.spend(16, static_cast<double>(longest));
+  if (claim.budget.only_counts()) return true;
   if (n == 0) return encloses(claim, {1, 1});
   auto least = n > 0 ? x.lower : x.upper.inv(), greatest = n > 0 ? x.upper : x.lower.inv();
   if (n % 2 == 0) {
@@ -116,18 +120,27 @@ bool growing(Case& claim) {
          claim.series.surely(function, is_even ? std::max(-a, b) : b, -1, claim.upper);
 }
 
-/// The slope is sign * slope. In pieces up to 3 < pi it changes its sign once at most, at an
-/// extremum 1 or -1.
+/// The ends of up to three equal pieces, each at most 3 < pi long; none of what is wider.
+std::vector<QNumber> ends_of_pieces(Known const& x) {
+  auto const width = x.upper - x.lower;
+  if (9 < width) return {};
+  long const pieces = above(ceil(width / 3)).to_long();
+  std::vector<QNumber> ends{x.lower};
+  for (long i = 1; i <= pieces; ++i) ends.push_back(x.lower + width * i / pieces);
+  return ends;
+}
+
+/// The slope is sign * slope. In a piece it changes its sign once at most, at an extremum 1 or -1,
+/// from which an end of the piece is at most 3/2 < pi/2 away: there the value has its sign.
 template <Function const& function, Function const& slope, int sign>
 bool wave(Case& claim) {
   auto const& x = *claim.premises[0];
   auto const &l = claim.lower, &u = claim.upper;
-  bool const reaches_least = !(-1 < l), reaches_greatest = !(u < 1);
-  auto const width = x.upper - x.lower;
-  if ((reaches_least && reaches_greatest) || 9 < width) return reaches_least && reaches_greatest;
-  long const pieces = above(ceil(width / 3)).to_long();
-  std::vector<QNumber> points{x.lower};
-  for (long i = 1; i <= pieces; ++i) points.push_back(x.lower + width * i / pieces);
+  if (!(-1 < l) && !(u < 1)) return true;
+  auto const points = ends_of_pieces(x);
+  // Of -1 where it may be, and of what has no negative values.
+  bool const is_clear_below = !(-1 < l) || l.sign() >= 0;
+  bool const is_clear_above = !(u < 1) || u.sign() <= 0;
   std::vector<bool> rises, falls;
   for (auto const& point : points) rises.push_back(claim.series.surely(slope, point, sign, 0));
   for (auto const& point : points) falls.push_back(claim.series.surely(slope, point, -sign, 0));
@@ -136,22 +149,24 @@ bool wave(Case& claim) {
         !claim.series.surely(function, points[i], -1, u))
       return false;
     if (i == 0) continue;
-    if (!(reaches_greatest || falls[i - 1] || rises[i]) ||
-        !(reaches_least || rises[i - 1] || falls[i]))
+    if (!(is_clear_above || falls[i - 1] || rises[i]) ||
+        !(is_clear_below || rises[i - 1] || falls[i]))
       return false;
   }
-  return true;
+  return !points.empty();
 }
 
 bool tan(Case& claim) {
   auto const& x = *claim.premises[0];
+  auto const points = ends_of_pieces(x);
   auto const follows = [&](int sign) {
-    return claim.series.surely(cos_function, x.lower, sign, 0) &&
-           claim.series.surely(cos_function, x.upper, sign, 0) &&
+    return std::ranges::all_of(
+               points,
+               [&](auto const& t) { return claim.series.surely(cos_function, t, sign, 0); }) &&
            claim.series.surely(tan_function, x.lower, sign, claim.lower) &&
            claim.series.surely(tan_function, x.upper, -sign, claim.upper);
   };
-  return !(3 < x.upper - x.lower) && (follows(1) || follows(-1));
+  return !points.empty() && (follows(1) || follows(-1));
 }
 
 bool log(Case& claim) {

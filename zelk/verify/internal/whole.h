@@ -2,18 +2,21 @@
 
 #include <gmp.h>
 
+#include <string>
 #include <utility>
 
 #include "zelk/numbers/q_number.h"
 
 namespace zelk::verify {
 
-/// An integer of any size, with the operators that the checks are written in. Divisions and shifts
-/// to the right are floors.
+/// An integer of any size, with the operators that the checks are written in. Divisions, shifts
+/// to the right and square roots are floors.
 class Whole {
  public:
   Whole(long n = 0) { mpz_init_set_si(own, n); }
   explicit Whole(mpz_srcptr n) { mpz_init_set(own, n); }
+  /// Requires: digits, behind a sign or not.
+  explicit Whole(std::string const& digits) { mpz_init_set_str(own, digits.c_str(), 10); }
   Whole(Whole const& other) { mpz_init_set(own, other.own); }
   Whole(Whole&& other) noexcept {
     mpz_init(own);
@@ -68,12 +71,15 @@ class Whole {
   /// Of the magnitude; 0 has none.
   long bits() const { return sign() == 0 ? 0 : static_cast<long>(mpz_sizeinbase(own, 2)); }
 
-  bool fits() const { return mpz_fits_slong_p(own) != 0; }
   long to_long() const { return mpz_get_si(own); }
-  QNumber to_number() const { return QNumber::from_mpz(own, Whole(1).own); }
+  mpz_srcptr get() const { return own; }
 
   friend Whole square_root(Whole a) {
     mpz_sqrt(a.own, a.own);
+    return a;
+  }
+  friend Whole gcd(Whole a, Whole const& b) {
+    mpz_gcd(a.own, a.own, b.own);
     return a;
   }
 
@@ -81,8 +87,6 @@ class Whole {
   mpz_t own;
 };
 
-inline Whole ceil_shift(Whole const& a, long by) { return -(-a >> by); }
-inline Whole ceil_quotient(Whole const& a, Whole const& b) { return -(-a / b); }
 inline Whole magnitude_of(Whole const& a) { return a.sign() < 0 ? -a : a; }
 
 inline Whole above(QNumber const& q) { return Whole(q.numerator().get()); }
