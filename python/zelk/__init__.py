@@ -1,8 +1,9 @@
 """Exact fractions in, guaranteed fractions out.
 
-A number is an int, a fractions.Fraction or any other numbers.Rational, or a text: '3.14' and '22/7'
-are taken exactly, and so is 'log(3/2)/log(2)'. A float is refused, since it is rarely the number that
-was meant. Answers are Fractions, or Enclosures, which are two Fractions with the value between them.
+A number is an int, a fractions.Fraction or any other numbers.Rational, a decimal.Decimal, or a text:
+'3.14' and '22/7' are taken exactly, and so is 'log(3/2)/log(2)'. A float is refused, since it is rarely
+the number that was meant. Answers are Fractions, or Enclosures, which are two Fractions with the value
+between them.
 
     >>> import zelk
     >>> print(zelk.exp('1/3', digits=20))

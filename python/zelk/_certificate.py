@@ -29,6 +29,6 @@ def check(certificate: str) -> str:
     (scripts/check_certificate is another one, to be read, in plain Python.)
 
     >>> zelk.check(zelk.log(2, digits=3).certificate)
-    'log(2) in [70/101, 43/62]'
+    'log(2) in [70/101, 52/75]'
     """
     return _core.check(certificate)
