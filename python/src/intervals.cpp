@@ -26,8 +26,7 @@ double log2_of(QNumber const& q) { return log2_of(q.numerator()) + log2_of(q.den
 /// The bits of both ends, but none of 0 and 1, whose powers are as short.
 double size_of(Interval const& x) { return log2_of(x.lower()) + log2_of(x.upper()); }
 
-/// What `find` makes of numbers of so many bits, by a few products, whose time is limited with their
-/// room.
+/// What `find` makes of numbers of so many bits by a few products, limited with their room.
 template <class Input, class Find>
 auto ask_about(double bits, Input const& input, Find const& find) {
   auto const estimate = [&](auto const&...) { return cli::Demand{20 * bits, 20 * bits}; };
