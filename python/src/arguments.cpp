@@ -5,6 +5,9 @@
 #include <utility>
 #include <vector>
 
+#include "cli/demand.h"
+#include "cli/query.h"
+#include "python/src/ask.h"
 #include "python/src/compute.h"
 #include "python/src/convert.h"
 #include "python/src/limits.h"
@@ -46,26 +49,33 @@ QNumber to_number(py::handle object) {
   if (!PyUnicode_Check(object.ptr())) return from_rational(object);
   auto const text = text_of(object);
   if (auto number = plain_number(text)) return *std::move(number);
-  auto const expression = real::parse_expression(text);
-  return compute([&] { return convert::quoted(text); },
-                 [&] {
-                   real::ElementaryFunctions functions(Limits::get().max_bits);
-                   auto const bounds = real::enclose(functions, expression, 0).bounds;
-                   if (!bounds.is_point())
-                     throw std::domain_error("not known to be a rational number");
-                   return bounds.lower();
+  cli::Query query{.function = nullptr};
+  query.expressions = {real::parse_expression(text)};
+  return ask([&] { return convert::quoted(text); }, query, cli::demand_of_expression,
+             [&] {
+               real::ElementaryFunctions functions(Limits::get().max_bits);
+               auto const bounds = real::enclose(functions, query.expressions[0], 0).bounds;
+               if (!bounds.is_point()) throw std::domain_error("not known to be a rational number");
+               return bounds.lower();
+             });
+}
+
+bool is_pair(py::handle object) { return PyTuple_Check(object.ptr()) || is_enclosure(object); }
+
+real::Interval to_interval(py::handle object) {
+  if (!is_pair(object)) return to_number(object);
+  py::tuple const ends = py::reinterpret_steal<py::tuple>(PySequence_Tuple(object.ptr()));
+  if (!ends) throw py::error_already_set();
+  if (ends.size() != 2) throw py::type_error("expected a number, or the two ends of an interval");
+  return compute([&] { return shown(object); },
+                 [lower = to_number(ends[0]), upper = to_number(ends[1])] {
+                   return real::Interval(lower, upper);
                  });
 }
 
 real::Expression to_expression(py::handle object) {
   if (PyUnicode_Check(object.ptr())) return expression_in(text_of(object));
-  if (PyTuple_Check(object.ptr()) && PyTuple_GET_SIZE(object.ptr()) == 2)
-    return compute([&] { return shown(object); },
-                   [lower = to_number(PyTuple_GET_ITEM(object.ptr(), 0)),
-                    upper = to_number(PyTuple_GET_ITEM(object.ptr(), 1))] {
-                     return real::Expression(real::Interval(lower, upper));
-                   });
-  return from_rational(object);
+  return to_interval(object);
 }
 
 real::Expression composed(real::Expression const& formula, real::Expression const& x) {
@@ -98,9 +108,9 @@ unsigned to_count(py::handle object, char const* name, unsigned most) {
 
 std::string shown(py::handle object) {
   if (PyUnicode_Check(object.ptr())) return convert::quoted(text_of(object));
-  if (PyTuple_Check(object.ptr())) {
+  if (is_pair(object)) {
     std::string text;
-    for (auto const part : py::reinterpret_borrow<py::tuple>(object))
+    for (auto const part : py::reinterpret_borrow<py::iterable>(object))
       text += (text.empty() ? "[" : ", ") + shown(part);
     return text + ']';
   }

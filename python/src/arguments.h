@@ -8,6 +8,7 @@
 
 #include "zelk/numbers/q_number.h"
 #include "zelk/real/expression.h"
+#include "zelk/real/interval.h"
 
 /// What people give to the functions: rational numbers, texts, and pairs of them for intervals.
 namespace zelk::python {
@@ -21,11 +22,18 @@ std::string_view text_of(py::handle object);
 /// Throws: Python's exception for what is none.
 QNumber to_number(py::handle object);
 
+/// The pair of a tuple or an enclosure, or a point.
+/// Throws: Python's exception for what is none, or if the ends are not in order.
+real::Interval to_interval(py::handle object);
+
 /// A rational number, an expression, or an interval.
 real::Expression to_expression(py::handle object);
 
 /// The formula with `x` in place of its variable.
 real::Expression composed(real::Expression const& formula, real::Expression const& x);
+
+/// Whether it is a tuple or an enclosure.
+bool is_pair(py::handle object);
 
 /// A whole number from 0 to `most`. Throws: TypeError, ValueError or OverflowError, with the name.
 unsigned to_count(py::handle object, char const* name, unsigned most = UINT_MAX);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "zelk/convert/text.h"
 #include "zelk/numbers/integer.h"
 
 namespace zelk::python {
@@ -9,6 +10,7 @@ namespace {
 
 /// Kept until the process ends, as there is one interpreter only.
 struct Names {
+  py::object decimal = py::module_::import("decimal").attr("Decimal");
   py::object fraction = py::module_::import("fractions").attr("Fraction");
   py::object rational = py::module_::import("numbers").attr("Rational");
   py::object lowest_terms = py::module_::import("zelk._terms").attr("LowestTerms");
@@ -17,9 +19,14 @@ struct Names {
   py::str bit_length{"bit_length"};
   py::str as_integer_ratio{"as_integer_ratio"};
   py::str little{"little"};
+  py::object enclosure;
 };
 
-Names const* names = nullptr;
+Names* names = nullptr;
+
+bool is_instance(py::handle object, py::object const& type) {
+  return PyObject_TypeCheck(object.ptr(), reinterpret_cast<PyTypeObject*>(type.ptr())) != 0;
+}
 
 py::object owned(PyObject* made) {
   if (made == nullptr) throw py::error_already_set();
@@ -60,9 +67,21 @@ QNumber quotient(py::handle numerator, py::handle denominator) {
   throw py::error_already_set();
 }
 
+/// By its text, whose exponent is limited.
+QNumber from_decimal(py::handle object) {
+  std::string const text = py::str(object);
+  if (text.find_first_of("NnIi") != std::string::npos)
+    throw py::value_error("expected a finite number, not Decimal('" + text + "')");
+  return convert::parse_rational(text);
+}
+
 }  // namespace
 
 void import_names() { names = new Names; }
+
+void set_enclosure(py::handle type) { names->enclosure = py::reinterpret_borrow<py::object>(type); }
+
+bool is_enclosure(py::handle object) { return is_instance(object, names->enclosure); }
 
 QNumber from_integer(py::handle object) {
   auto const integer = owned(PyNumber_Index(object.ptr()));
@@ -80,6 +99,7 @@ QNumber from_rational(py::handle object) {
     auto const ratio = call_method(object, names->as_integer_ratio);
     return quotient(PyTuple_GetItem(ratio.ptr(), 0), PyTuple_GetItem(ratio.ptr(), 1));
   }
+  if (is_instance(object, names->decimal)) return from_decimal(object);
   int const is_rational = PyObject_IsInstance(object.ptr(), names->rational.ptr());
   if (is_rational < 0) throw py::error_already_set();
   if (is_rational > 0) return quotient(object.attr("numerator"), object.attr("denominator"));

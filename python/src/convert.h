@@ -12,7 +12,8 @@ namespace zelk::python {
 
 namespace py = pybind11;
 
-/// The exact value of a `numbers.Rational`; Python's TypeError for anything else.
+/// The exact value of a `numbers.Rational` or a finite `Decimal`; Python's TypeError for anything
+/// else.
 QNumber from_rational(py::handle object);
 
 /// The same of an integer, or of what Python takes for one.
@@ -24,6 +25,10 @@ py::object to_int(mpz_srcptr n);
 py::object to_fraction(QNumber const& q);
 
 py::tuple to_pair(std::pair<QNumber, QNumber> const& bounds);
+
+/// Whether it is of the class that was last said to be that of enclosures.
+bool is_enclosure(py::handle object);
+void set_enclosure(py::handle type);
 
 /// Finds what is used of Python's modules. To be called before all else.
 void import_names();

@@ -20,14 +20,11 @@ void Limits::set(Limits const& limits) {
   python::max_bits = limits.max_bits;
 }
 
-void check_digits(unsigned digits) {
-  if (unsigned const most = max_digits; digits > most)
-    throw std::length_error(std::to_string(digits) + " digits are more than max_digits, " +
-                            std::to_string(most) + "; zelk.set_limits allows more");
-}
-
-void check_demand(cli::Demand const& demand) {
-  double const most = max_bits;
+void require_limits(cli::Query const& query, cli::Demand const& demand) {
+  auto const [most_digits, most] = Limits::get();
+  if (query.digits && *query.digits > most_digits)
+    throw std::length_error(std::to_string(*query.digits) + " digits are more than max_digits, " +
+                            std::to_string(most_digits) + "; zelk.set_limits allows more");
   bool const holds = demand.held > most;
   if (!holds && demand.worked_through <= 1000 * most) return;
   char text[256];

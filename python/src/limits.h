@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/demand.h"
+#include "cli/query.h"
 
 namespace zelk::python {
 
@@ -13,9 +14,14 @@ struct Limits {
   static void set(Limits const& limits);
 };
 
-/// Throws: std::length_error, if there are more digits than the limits allow, or of a demand to
-/// hold more than `max_bits`, or to work through more than a thousand times as many.
-void check_digits(unsigned digits);
-void check_demand(cli::Demand const& demand);
+/// Throws: std::length_error, if a query asks for more digits than the limits allow, or if it would
+/// hold more than `max_bits`, or work through more than a thousand times as many.
+void require_limits(cli::Query const& query, cli::Demand const& demand);
+
+/// The same of the demand that `estimate` finds.
+template <class Estimate>
+void require_limits(cli::Query const& query, Estimate const& estimate) {
+  require_limits(query, estimate(query, 0));
+}
 
 }  // namespace zelk::python

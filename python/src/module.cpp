@@ -6,6 +6,7 @@
 
 #include "python/src/arguments.h"
 #include "python/src/convert.h"
+#include "python/src/intervals.h"
 #include "python/src/limits.h"
 #include "python/src/questions.h"
 #include "python/src/solver.h"
@@ -33,6 +34,7 @@ void set_limits(py::handle max_digits, py::handle max_bits) {
 void define(py::module_& module) {
   import_names();
   module.attr("version") = ZELK_VERSION_STRING;
+  define_intervals(module);
   define_questions(module);
   define_solver(module);
   module.def("limits", &limits);

@@ -1,7 +1,7 @@
 #include "python/src/questions.h"
 
 #include <algorithm>
-#include <optional>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -9,6 +9,7 @@
 #include "cli/demand.h"
 #include "cli/query.h"
 #include "python/src/arguments.h"
+#include "python/src/ask.h"
 #include "python/src/compute.h"
 #include "python/src/convert.h"
 #include "python/src/limits.h"
@@ -18,7 +19,6 @@
 #include "zelk/certify/prove.h"
 #include "zelk/certify/statement.h"
 #include "zelk/certify/write.h"
-#include "zelk/convert/decimal.h"
 #include "zelk/real/enclose.h"
 #include "zelk/real/parse.h"
 #include "zelk/verify/read.h"
@@ -30,101 +30,79 @@ namespace {
 constexpr char undecided[] = "not decided by 10000 digits, or not the same for all of an interval";
 static_assert(real::default_most_digits == 10000);
 
-/// A function of one interval, with its proof.
-struct Image {
-  real::Kind kind;
-  real::Interval (real::ElementaryFunctions::*find)(real::Interval const& x, real::Accuracy);
-  certify::Proof (*prove)(real::ElementaryFunctions&, real::Interval const& x, real::Accuracy);
-};
-
-constexpr Image images[] = {
-    {real::Kind::exp, &real::ElementaryFunctions::exp, certify::prove_exp},
-    {real::Kind::log, &real::ElementaryFunctions::log, certify::prove_log},
-    {real::Kind::sin, &real::ElementaryFunctions::sin, certify::prove_sin},
-    {real::Kind::cos, &real::ElementaryFunctions::cos, certify::prove_cos},
-    {real::Kind::atan, &real::ElementaryFunctions::atan, certify::prove_atan},
-};
+/// What needs no more digits of pi and log 2 than its answer has and its argument is long.
+constexpr real::Kind plain_functions[] = {real::Kind::exp, real::Kind::log, real::Kind::sin,
+                                          real::Kind::cos, real::Kind::atan};
 
 /// A formula at a number, an interval or an expression, and how near its bounds are to be.
 struct Question {
   Question(py::handle text, py::handle point, py::handle digit_count, bool is_relative)
       : formula(text),
         x(point),
-        digits(to_count(digit_count, "digits")),
-        accuracy(is_relative ? real::Accuracy::relative(digits) : real::Accuracy::absolute(digits)),
-        expression(real::parse_expression(text_of(text))) {
-    if (!x.is_none()) expression = composed(expression, to_expression(x));
-    auto const& postfix = expression.postfix();
-    if (postfix.size() == 2 && postfix[0] == real::Kind::number) {
-      auto const* const row = std::ranges::find(images, postfix[1], &Image::kind);
-      if (row != std::end(images)) image = row;
-    }
+        query{.function = nullptr,
+              .expressions = {real::parse_expression(text_of(text))},
+              .digits = to_count(digit_count, "digits"),
+              .relative = is_relative ? 1 : 0} {
+    if (!x.is_none()) query.expressions[0] = composed(expression(), to_expression(x));
+  }
+
+  real::Expression const& expression() const { return query.expressions[0]; }
+
+  real::Accuracy accuracy() const {
+    return query.relative != 0 ? real::Accuracy::relative(*query.digits)
+                               : real::Accuracy::absolute(*query.digits);
   }
 
   std::string shown() const {
     return python::shown(formula) + (x.is_none() ? "" : " at x = " + python::shown(x));
   }
 
-  /// Throws: std::length_error.
-  void check() const {
-    check_digits(digits);
-    cli::Query query{.function = nullptr};
-    query.expressions = {expression};
-    query.digits = digits;
-    check_demand(cli::demand_of_expression(query, 0));
-  }
-
-  /// Whether it needs no more than some 2000 digits of pi and log 2.
+  /// Whether it is one function of a number or an interval, and needs no more than some 2000 digits
+  /// of pi and log 2.
   bool is_usual() const {
     constexpr unsigned most_digits = 1000;
     QNumber const most = 1000;
-    return image != nullptr && digits <= most_digits &&
-           std::ranges::all_of(expression.numbers(), [&](real::Interval const& ends) {
-             return !ends.lower().is_big() && !ends.upper().is_big() && -most <= ends.lower() &&
-                    ends.upper() <= most;
-           });
+    auto const& postfix = expression().postfix();
+    if (postfix.size() != 2 || postfix[0] != real::Kind::number || *query.digits > most_digits ||
+        std::ranges::find(plain_functions, postfix[1]) == std::end(plain_functions))
+      return false;
+    auto const& point = expression().numbers()[0];
+    return !point.lower().is_big() && !point.upper().is_big() && -most <= point.lower() &&
+           point.upper() <= most;
   }
 
   py::handle formula;
   py::handle x;
-  unsigned digits;
-  real::Accuracy accuracy;
-  real::Expression expression;
-  Image const* image = nullptr;  // if it is one function of a number or an interval
+  cli::Query query;
 };
 
 /// What `answer` finds by functions that have kept nothing, or nothing but the first digits of pi
 /// and log 2; answers do not depend on that.
 template <class Answer>
-auto ask(Question const& question, Answer const& answer) {
-  return compute([&] { return question.shown(); },
-                 [&] {
-                   question.check();
-                   double const max_bits = Limits::get().max_bits;
-                   if (!question.is_usual()) {
-                     real::ElementaryFunctions functions(max_bits);
-                     return answer(functions);
-                   }
-                   thread_local std::optional<real::ElementaryFunctions> usual;
-                   if (!usual || usual->max_bits() != max_bits) usual.emplace(max_bits);
-                   return answer(*usual);
-                 });
+auto ask_functions(Question const& question, Answer const& answer) {
+  return ask([&] { return question.shown(); }, question.query, cli::demand_of_expression,
+             [&] {
+               // What is usual and within the limits is far from all that functions may be limited
+               // to.
+               thread_local real::ElementaryFunctions usual;
+               if (question.is_usual()) return answer(usual);
+               real::ElementaryFunctions functions(Limits::get().max_bits);
+               return answer(functions);
+             });
 }
 
 py::tuple enclose(py::handle formula, py::handle x, py::handle digits, bool is_relative) {
   Question const question(formula, x, digits, is_relative);
-  auto const [bounds, is_narrow] = ask(question, [&](real::ElementaryFunctions& functions) {
-    if (question.image == nullptr)
-      return real::enclose(functions, question.expression, question.accuracy);
-    auto const find = question.image->find;
-    return real::Enclosure{(functions.*find)(question.expression.numbers()[0], question.accuracy),
-                           true};
-  });
+  auto const [bounds, is_narrow] =
+      ask_functions(question, [&](real::ElementaryFunctions& functions) {
+        return real::enclose(functions, question.expression(), question.accuracy());
+      });
   // Over intervals that is how it has to be.
-  if (!is_narrow && std::ranges::all_of(question.expression.numbers(), &real::Interval::is_point) &&
+  if (!is_narrow &&
+      std::ranges::all_of(question.expression().numbers(), &real::Interval::is_point) &&
       PyErr_WarnEx(PyExc_RuntimeWarning,
                    (question.shown() + ": the bounds are farther apart than asked for").c_str(),
-                   2) < 0)
+                   3) < 0)  // where it was asked
     throw py::error_already_set();
   return to_pair({bounds.lower(), bounds.upper()});
 }
@@ -134,11 +112,8 @@ std::string prove(py::handle formula, py::handle x, py::handle digits, bool is_r
                   py::handle lower, py::handle upper) {
   Question const question(formula, x, digits, is_relative);
   QNumber const low = to_number(lower), high = to_number(upper);
-  return ask(question, [&](real::ElementaryFunctions& functions) {
-    auto const proof =
-        question.image != nullptr
-            ? question.image->prove(functions, question.expression.numbers()[0], question.accuracy)
-            : certify::prove(functions, question.expression, question.accuracy);
+  return ask_functions(question, [&](real::ElementaryFunctions& functions) {
+    auto const proof = certify::prove(functions, question.expression(), question.accuracy());
     auto const& bounds = proof.answer.bounds;
     if (bounds.lower() != low || bounds.upper() != high)
       throw std::domain_error("no certificate, since these bounds are not those found now");
@@ -182,25 +157,27 @@ std::string check(py::handle certificate, py::handle expression, py::handle digi
   return verdict.statement;
 }
 
-/// As `compute`, but of machine words that are answered sooner than another thread could go on.
-template <class Input, class Compute>
-QNumber compute_quickly(QNumber const& a, QNumber const& b, Input const& input,
-                        Compute const& answer) {
-  if (a.is_big() || b.is_big()) return compute(input, answer);
-  try {
-    return answer();
-  } catch (std::domain_error const& error) {
-    raise(PyExc_ValueError, input(), error.what());
-  }
+/// As `ask`, but of two numbers, and of machine words without letting go of the interpreter: they
+/// are answered sooner than another thread could go on.
+template <class Input, class Find>
+py::object ask_quickly(Input const& input, QNumber const& a, QNumber const& b, Find const& find) {
+  cli::Query const query{.function = nullptr, .numbers = {a, b}};
+  auto const answer = [&] { return find(a, b); };
+  if (!a.is_big() && !b.is_big()) try {
+      require_limits(query, cli::demand_of_simplest);
+      return to_fraction(answer());
+    } catch (std::logic_error const&) {  // is told in the other way
+    }
+  return to_fraction(ask(input, query, cli::demand_of_simplest, answer));
 }
 
 py::object simplest(py::handle lower, py::handle upper, bool is_open) {
-  QNumber const low = to_number(lower), high = to_number(upper);
-  return to_fraction(compute_quickly(
-      low, high, [&] { return "simplest(" + shown(lower) + ", " + shown(upper) + ')'; },
-      [&] {
-        return na::simplest_between(low, high, is_open ? na::Ends::open : na::Ends::closed);
-      }));
+  return ask_quickly([&] { return "simplest(" + shown(lower) + ", " + shown(upper) + ')'; },
+                     to_number(lower), to_number(upper),
+                     [&](QNumber const& low, QNumber const& high) {
+                       return na::simplest_between(low, high,
+                                                   is_open ? na::Ends::open : na::Ends::closed);
+                     });
 }
 
 /// Requires: `side` is one of the three.
@@ -212,75 +189,71 @@ auto* on_side(int side, Below* below, Nearest* nearest, Above* above) {
 py::object best(py::handle x, py::handle limit, int side) {
   auto const most = to_number(limit);
   auto const input = [&] { return "best(" + shown(x) + ", " + shown(limit) + ')'; };
-  if (!PyUnicode_Check(x.ptr()) && !PyTuple_Check(x.ptr())) {
-    auto* const find = on_side(side, na::best_below, na::best_nearest, na::best_above);
-    auto const q = to_number(x);
-    return to_fraction(compute_quickly(q, most, input, [&] { return find(q, most); }));
-  }
+  if (!PyUnicode_Check(x.ptr()) && !is_pair(x))
+    return ask_quickly(input, to_number(x), most,
+                       on_side(side, na::best_below, na::best_nearest, na::best_above));
   auto* const find = on_side(side, real::best_below, real::best_nearest, real::best_above);
-  auto const expression = to_expression(x);
-  return to_fraction(compute(input, [&] {
+  cli::Query query{.function = nullptr, .numbers = {most}};
+  query.expressions = {to_expression(x)};
+  return to_fraction(ask(input, query, cli::demand_of_simplest, [&] {
     real::ElementaryFunctions functions(Limits::get().max_bits);
-    auto found = find(functions, expression, most, real::default_most_digits);
+    auto found = find(functions, query.expressions[0], most, real::default_most_digits);
     if (!found) throw std::domain_error(undecided);
     return *std::move(found);
   }));
 }
 
-/// The partial quotients of a value, floors, as many as are asked for.
-std::vector<QNumber> certain_terms(real::Expression const& expression,
-                                   std::optional<unsigned> count) {
-  real::ElementaryFunctions functions(Limits::get().max_bits);
-  if (auto const bounds = real::enclose(functions, expression, 0).bounds; bounds.is_point()) {
-    auto all = na::common_terms(bounds.lower(), bounds.upper());
-    if (count && all.size() > *count) all.erase(all.begin() + *count, all.end());
-    return all;
-  }
-  if (!count) throw std::domain_error("not known to be rational: count must say how many terms");
-  cli::Query query{.function = nullptr};
-  query.expressions = {expression};
-  query.terms = *count;
-  check_demand(cli::demand_of_cf(query, 0));
-  auto [terms, is_whole] = real::terms(functions, expression, *count);
-  if (terms.size() < *count && !is_whole)
-    throw std::domain_error("only the first " + std::to_string(terms.size()) +
-                            " terms are certain");
-  return std::move(terms);
-}
+using Numbers = std::vector<QNumber>;
 
-std::optional<unsigned> to_optional_count(py::handle count) {
-  if (count.is_none()) return std::nullopt;
-  return to_count(count, "count");
+/// What `make` makes of the partial quotients of a value, floors, as many as are asked for, or all
+/// of a number. That takes what `estimate` says.
+template <class Estimate, class Make>
+Numbers expansion(py::handle x, py::handle count, Estimate const& estimate, Make const& make) {
+  auto const expression = to_expression(x);
+  cli::Query query{.function = nullptr};
+  if (!count.is_none()) query.terms = to_count(count, "count");
+  auto const constants = expression.numbers();
+  if (expression.postfix().size() == 1 && constants.size() == 1 && constants[0].is_point())
+    query.numbers = {constants[0].lower()};
+  else
+    query.expressions = {expression};
+
+  auto const certain_terms = [&] {
+    if (query.numbers.empty()) {
+      real::ElementaryFunctions functions(Limits::get().max_bits);
+      auto const value = real::enclose(functions, expression, 0).bounds;
+      if (!value.is_point()) {
+        if (count.is_none())
+          throw std::domain_error("not known to be rational: count must say how many terms");
+        auto [terms, is_whole] = real::terms(functions, expression, query.terms);
+        if (terms.size() < query.terms && !is_whole)
+          throw std::domain_error("only the first " + std::to_string(terms.size()) +
+                                  " terms are certain");
+        return std::move(terms);
+      }
+      query.expressions.clear();
+      query.numbers = {value.lower()};
+      require_limits(query, estimate);
+    }
+    auto all = na::common_terms(query.numbers[0], query.numbers[0]);
+    if (all.size() > query.terms) all.erase(all.begin() + query.terms, all.end());
+    return all;
+  };
+  return ask([&] { return shown(x); }, query, estimate, [&] { return make(certain_terms()); });
 }
 
 py::list terms(py::handle x, py::handle count) {
-  auto const expression = to_expression(x);
   py::list all;
-  for (auto const& term :
-       compute([&] { return shown(x); },
-               [&, most = to_optional_count(count)] { return certain_terms(expression, most); }))
+  for (auto const& term : expansion(x, count, cli::demand_of_cf, std::identity()))
     all.append(to_int(term.numerator()));
   return all;
 }
 
 py::list convergents(py::handle x, py::handle count) {
-  auto const expression = to_expression(x);
   py::list all;
-  for (auto const& convergent : compute([&] { return shown(x); },
-                                        [&, most = to_optional_count(count)] {
-                                          return na::convergents(certain_terms(expression, most));
-                                        }))
-    all.append(to_fraction(convergent));
+  for (auto const& value : expansion(x, count, cli::demand_of_convergents, na::convergents))
+    all.append(to_fraction(value));
   return all;
-}
-
-std::string decimal(py::handle lower, py::handle upper, py::handle places) {
-  unsigned const count = to_count(places, "places");
-  return compute([] { return std::string("decimal"); },
-                 [&, low = to_number(lower), high = to_number(upper)] {
-                   check_demand({32.0 * count, 32.0 * count});
-                   return convert::to_decimal({low, high}, count);
-                 });
 }
 
 }  // namespace
@@ -293,8 +266,6 @@ void define_questions(py::module_& module) {
   module.def("best", &best);
   module.def("terms", &terms);
   module.def("convergents", &convergents);
-  module.def("decimal", &decimal);
-  module.def("to_rational", [](py::handle x) { return to_fraction(to_number(x)); });
   module.def("count", [](py::handle object, char const* name) { return to_count(object, name); });
   module.def("text", [](py::handle x) { return shown(x); });
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 #include "cli/demand.h"
 #include "cli/query.h"
 #include "python/src/arguments.h"
+#include "python/src/ask.h"
 #include "python/src/compute.h"
 #include "python/src/convert.h"
 #include "python/src/limits.h"
@@ -84,39 +86,59 @@ std::string described(std::string const& name, py::handle number, unsigned digit
 
 /// Approximators that one thread uses at a time, while others wait.
 class Solver {
- public:
-  /// The answer of an approximator to a question about `number`; Python goes on meanwhile.
-  template <class Input, class Answer>
-  auto ask(Input const& input, py::handle number, Answer const& answer) {
-    return compute(input, [&, x = to_number(number)] {
+  /// Whether the limits have been held against the question before.
+  static bool is_never_kept(QNumber const&) { return false; }
+
+  /// The answer of an approximator to a query about one number, as by the `ask` of questions that
+  /// nothing is kept of.
+  template <class Input, class Estimate, class IsKept, class Answer>
+  auto ask(Input const& input, cli::Query const& query, Estimate const& estimate,
+           IsKept const& is_kept, Answer const& answer) {
+    return compute(input, [&] {
       std::lock_guard const lock(mutex);
+      QNumber const& x = query.numbers[0];
+      if (!is_kept(x)) require_limits(query, estimate);
       return answer(x);
     });
   }
 
+  /// What `make` makes of the first terms of a continued fraction.
+  template <class Estimate, class Make>
+  std::vector<QNumber> expansion(py::handle number, py::handle most, Estimate const& estimate,
+                                 Make const& make) {
+    unsigned const count = most.is_none() ? UINT_MAX : to_count(most, "count");
+    return ask([&] { return shown(number); },
+               {.function = nullptr, .numbers = {to_number(number)}, .terms = count}, estimate,
+               is_never_kept,
+               [&](QNumber const& x) {
+                 auto all = rational.get_cf(x, count).terms;
+                 if (all.size() > count) all.erase(all.begin() + count, all.end());
+                 return make(all);
+               });
+  }
+
+ public:
   py::tuple bounds(std::string const& name, py::handle number, py::handle digits) {
     auto const& function = function_named(name);
     unsigned const count = to_count(digits, "digits");
-    auto const input = [&] { return described(name, number, count); };
-    auto [lower, upper] = ask(input, number, [&](QNumber const& x) {
-      if (!function.is_kept(series, x, count)) {
-        check_digits(count);
-        check_demand(function.demand({.function = nullptr, .numbers = {x}, .digits = count}, 0));
-      }
-      return function.bounds(series, x, count);
-    });
+    auto [lower, upper] =
+        ask([&] { return described(name, number, count); },
+            {.function = nullptr, .numbers = {to_number(number)}, .digits = count}, function.demand,
+            [&](QNumber const& x) { return function.is_kept(series, x, count); },
+            [&](QNumber const& x) { return function.bounds(series, x, count); });
     if (upper < lower) swap(lower, upper);  // as the companions at negative points are
     return to_pair({std::move(lower), std::move(upper)});
   }
 
   py::list terms(py::handle number, py::handle count) {
     py::list all;
-    for (auto const& term : expansion(number, count)) all.append(to_int(term.numerator()));
+    for (auto const& term : expansion(number, count, cli::demand_of_cf, std::identity()))
+      all.append(to_int(term.numerator()));
     return all;
   }
 
   py::list convergents(py::handle number, py::handle count) {
-    auto values = na::convergents(expansion(number, count));
+    auto values = expansion(number, count, cli::demand_of_convergents, na::convergents);
     if (values.empty()) values.emplace_back(0);  // zero has no terms
     py::list all;
     for (auto const& value : values) all.append(to_fraction(value));
@@ -125,29 +147,17 @@ class Solver {
 
   py::object approx(py::handle number, py::handle terms, int direction) {
     unsigned const count = to_count(terms, "terms");
-    return to_fraction(ask([&] { return shown(number); }, number,
+    return to_fraction(ask([&] { return shown(number); },
+                           {.function = nullptr, .numbers = {to_number(number)}, .terms = count},
+                           cli::demand_of_approx, is_never_kept,
                            [&](QNumber const& x) {
                              if (count == 0 && !x.is_integer())
                                throw std::domain_error("no terms leave no convergent");
-                             check_demand(cli::demand_of_approx(
-                                 {.function = nullptr, .numbers = {x}, .terms = count}, 0));
                              return rational.approx(x, count, direction);
                            }));
   }
 
  private:
-  std::vector<QNumber> expansion(py::handle number, py::handle most) {
-    unsigned const count = most.is_none() ? UINT_MAX : to_count(most, "count");
-    return ask(
-        [&] { return shown(number); }, number,
-        [&](QNumber const& x) {
-          check_demand(cli::demand_of_cf({.function = nullptr, .numbers = {x}, .terms = count}, 0));
-          auto all = rational.get_cf(x, count).terms;
-          if (all.size() > count) all.erase(all.begin() + count, all.end());
-          return all;
-        });
-  }
-
   na::RationalApproximator rational;
   Series series{rational};
   std::mutex mutex;
@@ -160,15 +170,18 @@ std::string certify(std::string const& name, py::handle number, py::handle digit
   if (function.certify == nullptr)
     throw py::value_error("there are no certificates of companion bounds");
   unsigned const count = to_count(digits, "digits");
-  auto const input = [&] { return described(name, number, count); };
-  return compute(input, [&, x = to_number(number), low = to_number(lower),
-                         high = to_number(upper)] {
-    na::RationalApproximator rational;
-    Series series(rational);
-    if (function.bounds(series, x, count) != Bounds(low, high))
-      throw std::domain_error("no certificate, since these bounds are not those found now");
-    return certify::to_json_lines(function.certify(series, x, count, real::Interval(low, high)));
-  });
+  cli::Query const query{.function = nullptr, .numbers = {to_number(number)}, .digits = count};
+  real::Interval const found(to_number(lower), to_number(upper));
+  return ask(
+      [&] { return described(name, number, count); }, query, function.demand,
+      [&] {
+        QNumber const& x = query.numbers[0];
+        na::RationalApproximator rational;
+        Series series(rational);
+        if (function.bounds(series, x, count) != Bounds(found.lower(), found.upper()))
+          throw std::domain_error("no certificate, since these bounds are not those found now");
+        return certify::to_json_lines(function.certify(series, x, count, found));
+      });
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 """Exact fractions in, guaranteed fractions out.
 
-A number is an int, a fractions.Fraction or any other numbers.Rational, or a text: '3.14' and '22/7'
-are taken exactly, and so is 'log(3/2)/log(2)'. A float is refused, since it is rarely the number that
-was meant. Answers are Fractions, or Enclosures, which are two Fractions with the value between them.
+A number is an int, a fractions.Fraction or any other numbers.Rational, a decimal.Decimal, or a text:
+'3.14' and '22/7' are taken exactly, and so is 'log(3/2)/log(2)'. A float is refused, since it is rarely
+the number that was meant. Answers are Fractions, or Enclosures, which are two Fractions with the value
+between them.
 
     >>> import zelk
     >>> print(zelk.exp('1/3', digits=20))
@@ -12,8 +13,8 @@ was meant. Answers are Fractions, or Enclosures, which are two Fractions with th
     >>> zelk.terms('pi', 5)
     [3, 7, 15, 1, 292]
 
-Nothing that grows is kept from one call to the next; a Solver keeps its answers. Other threads of Python go on
-while a question is answered. An interrupt (Ctrl-C) is seen as soon as it has been.
+Nothing that grows is kept from one call to the next; a Solver keeps its answers. Other threads of
+Python go on while a question is answered. An interrupt (Ctrl-C) is seen as soon as it has been.
 
 Errors are Python's own. ValueError: a text that means nothing, or a function at a place where it has
 no value. ZeroDivisionError: a division by 0. OverflowError: an answer would be beyond the limits, which

@@ -36,7 +36,7 @@ def check(
     (scripts/check_certificate is another one, to be read, in plain Python.)
 
     >>> zelk.check(zelk.log(2, digits=3).certificate)
-    'log(2) in [70/101, 43/62]'
+    'log(2) in [70/101, 52/75]'
 
     A certificate can prove something else than was asked, or less: what it is to be about, and how
     near its bounds are to be to each other, is best said.

@@ -4,8 +4,19 @@ from fractions import Fraction
 from typing import List, Optional
 
 from zelk import _core
-from zelk._enclosure import Enclosure
+from zelk._enclosure import Enclosure, enclosure
 from zelk._types import Number, Point
+
+
+def _ask(formula: str, x: Optional[Point], digits: int, relative: bool) -> Enclosure:
+    ends = _core.enclose(formula, x, digits, relative)
+    return enclosure(ends, ("value", formula, x, digits, relative))
+
+
+def _given(x: Point) -> Point:
+    if x is None:
+        raise TypeError("expected a number, an interval or a text, not None")
+    return x
 
 
 def evaluate(
@@ -32,31 +43,29 @@ def evaluate(
     >>> zelk.evaluate('exp(-1000)', 2, relative=True).lower > 0
     True
     """
-    enclosure = Enclosure(*_core.enclose(expression, x, digits, relative))
-    enclosure._question = ("value", expression, x, digits, relative)
-    return enclosure
+    return _ask(expression, x, digits, relative)
 
 
 def exp(x: Point, digits: int, *, relative: bool = False) -> Enclosure:
     """e^x between two fractions at most 10^-digits apart, or 10^-digits times the value.
 
     >>> zelk.exp('1/3', digits=5)
-    Enclosure(lower=Fraction(1972, 1413), upper=Fraction(1337, 958))
+    Enclosure(lower=Fraction(1972, 1413), upper=Fraction(1464, 1049))
     """
-    return evaluate("exp(x)", digits, x=x, relative=relative)
+    return _ask("exp(x)", _given(x), digits, relative)
 
 
 def log(x: Point, digits: int, *, relative: bool = False) -> Enclosure:
     """The natural logarithm of x > 0.
 
     >>> zelk.log(2, digits=5)
-    Enclosure(lower=Fraction(445, 642), upper=Fraction(253, 365))
+    Enclosure(lower=Fraction(445, 642), upper=Fraction(698, 1007))
     >>> zelk.log(0, digits=5)
     Traceback (most recent call last):
         ...
     ValueError: "log(x)" at x = 0: log of what is not positive
     """
-    return evaluate("log(x)", digits, x=x, relative=relative)
+    return _ask("log(x)", _given(x), digits, relative)
 
 
 def sin(x: Point, digits: int, *, relative: bool = False) -> Enclosure:
@@ -65,7 +74,7 @@ def sin(x: Point, digits: int, *, relative: bool = False) -> Enclosure:
     >>> zelk.sin('pi/6', digits=5)
     Enclosure(lower=Fraction(74997, 149995), upper=Fraction(74997, 149993))
     """
-    return evaluate("sin(x)", digits, x=x, relative=relative)
+    return _ask("sin(x)", _given(x), digits, relative)
 
 
 def cos(x: Point, digits: int, *, relative: bool = False) -> Enclosure:
@@ -74,16 +83,16 @@ def cos(x: Point, digits: int, *, relative: bool = False) -> Enclosure:
     >>> print(zelk.cos((3, 4), digits=5))
     [=-1.00, -0.65]
     """
-    return evaluate("cos(x)", digits, x=x, relative=relative)
+    return _ask("cos(x)", _given(x), digits, relative)
 
 
 def atan(x: Point, digits: int, *, relative: bool = False) -> Enclosure:
     """The arctangent, an angle in radians.
 
     >>> zelk.atan(1, digits=5)
-    Enclosure(lower=Fraction(527, 671), upper=Fraction(538, 685))
+    Enclosure(lower=Fraction(527, 671), upper=Fraction(355, 452))
     """
-    return evaluate("atan(x)", digits, x=x, relative=relative)
+    return _ask("atan(x)", _given(x), digits, relative)
 
 
 def root(x: Point, degree: int, digits: int, *, relative: bool = False) -> Enclosure:
@@ -94,7 +103,7 @@ def root(x: Point, degree: int, digits: int, *, relative: bool = False) -> Enclo
     >>> zelk.root(-8, 3, digits=5)
     Enclosure(lower=Fraction(-2, 1), upper=Fraction(-2, 1))
     """
-    return evaluate(f"root(x, {_core.count(degree, 'degree')})", digits, x=x, relative=relative)
+    return _ask(f"root(x, {_core.count(degree, 'degree')})", _given(x), digits, relative)
 
 
 def pi(digits: int) -> Enclosure:
@@ -103,7 +112,7 @@ def pi(digits: int) -> Enclosure:
     >>> zelk.pi(digits=5)
     Enclosure(lower=Fraction(7788, 2479), upper=Fraction(355, 113))
     """
-    return evaluate("pi", digits)
+    return _ask("pi", None, digits, False)
 
 
 def simplest(lower: Number, upper: Number, *, open: bool = False) -> Fraction:

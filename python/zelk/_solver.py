@@ -4,7 +4,7 @@ from fractions import Fraction
 from typing import List, Optional
 
 from zelk import _core
-from zelk._enclosure import Enclosure
+from zelk._enclosure import Enclosure, enclosure
 from zelk._types import Number
 
 
@@ -26,9 +26,7 @@ class Solver:
         self._core = _core.Solver()
 
     def _bounds(self, name: str, x: Number, digits: int) -> Enclosure:
-        enclosure = Enclosure(*self._core.bounds(name, x, digits))
-        enclosure._question = (name, x, digits)
-        return enclosure
+        return enclosure(self._core.bounds(name, x, digits), (name, x, digits))
 
     def exp(self, x: Number, digits: int, *, derivative: bool = False) -> Enclosure:
         """e^x, less than 10^-digits wide; with derivative=True by the sum's companion, whose width
