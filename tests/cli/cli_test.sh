@@ -39,6 +39,8 @@ completing() {
     COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _zelk
     [[ ! ${COMPREPLY[*]} ]] || echo "${COMPREPLY[*]}"' "$zelk" "$@"
 }
+closed() { "$zelk" "$@" >&-; }
+bounded() (ulimit -f 8 && picture=long plotting "$@")
 plotting() { PATH=$scratch/bin:$PATH "$zelk" "$@"; }
 plotting_in_tmp() { rm "$scratch/script" && TMPDIR='' plotting "$@"; }
 without_gnuplot() { PATH=/nowhere "$zelk" "$@"; }
@@ -114,12 +116,16 @@ cat >"$scratch/bin/gnuplot" <<'SCRIPT'
 [ "$*" != -d ] || cat >"$scratch/script"
 printf '%s\n' 'the first reason' 'the last reason' '  ' >&2
 echo '<svg>'
+[ "$picture" != long ] || head -c 20000 /dev/zero
 [ "$picture" = cut ] || echo '</svg>'
 [ "$picture" != failing ]
 SCRIPT
 chmod +x "$scratch/bin/gnuplot"
 export picture=
 echo precious >"$scratch/kept"
+umask 022 && ln -s drawn "$scratch/link"
+# Visible characters next to invisible ones, and a mark that turns the direction of the text.
+deceptive=$'\xc2\xa9\xc2\xad\xe2\x80\x90\xe2\x80\x8f\xe2\x80\xae\xe2\x80\xaf\xe2\x81\xa6\xef\xbb\xbf\xf3\xa0\x81\x81'
 printf '%s\n' 'cf 5' 'cf 1/0' 'cf 6' >"$scratch/refused"
 many() { head -c "$2" /dev/zero | tr '\0' "$1"; }
 {
@@ -196,7 +202,6 @@ interrupted() (
   { head -c "$begin" && kill "-$1" $! && cat; } <"$scratch/pipe"
   wait $!
 )
-bounded() (ulimit -f 8 && exec "$zelk" "$@")
 for signal in INT:130 TERM:143 HUP:129; do
   for jobs in 1 2; do
     begin=$((RANDOM * 3)) # at most a tenth of all, so that the rest waits in a full pipe
