@@ -39,11 +39,7 @@ void Answers::look_up_or_compute(Item& item) {
     item.offending_column = refusal.column;
     return;
   }
-  try {
-    keep(item);
-  } catch (std::bad_alloc const&) {
-    let_go_of_all();
-  }
+  keep(item);
 }
 
 void Answers::compute(Item& item) {

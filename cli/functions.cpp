@@ -343,7 +343,8 @@ std::span<Function const> all_functions() {
            "  zelk convergents 415/93 --terms 2   4 < 43/93 and 9/2 > 7/186\n"
            "  zelk convergents 'sqrt(2)' --terms 5\n"
            "Of an expression that is not known to be rational, --terms must say how many, and\n"
-           "the distances are rounded up, by less than a hundredth.",
+           "the distances are rounded up, by less than a hundredth, and their decimals to the\n"
+           "nearest.",
        .arguments = {q, terms},
        .flags = {floor},
        .can_be_plotted = false,

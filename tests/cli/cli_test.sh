@@ -4,6 +4,7 @@
 # Prints what went wrong and fails if anything did.
 set -euo pipefail
 export LC_ALL=C
+ulimit -c 0
 
 zelk=$(realpath "$1")
 questions=$(dirname "${BASH_SOURCE[0]}")/questions
@@ -28,9 +29,11 @@ unread() (
 )
 stopping() (
   [[ -p $scratch/open ]] || mkfifo "$scratch/open"
-  exec 3<>"$scratch/open" # a pipe without an end
-  echo cf 1/0 >&3
-  exec timeout 20 "$zelk" "$@" <&3
+  exec 3<>"$scratch/open" # a pipe without an end, from which reading does not wait
+  dd iflag=nonblock count=0 <&3 2>/dev/null
+  { sleep "$1" && echo cf 1/0 >&3; } &
+  ulimit -t 1
+  exec timeout 20 "$zelk" "${@:2}" <&3
 )
 appending() { cp "$scratch/refused" "$scratch/both" && "$zelk" "$@" "$scratch/both" >>"$scratch/both"; }
 completing() {
@@ -49,6 +52,7 @@ with_gnuplot_cut_short() { picture='cut' plotting "$@"; }
 on_terminal() { SHELL=$BASH script -qec "$(printf '%q ' "$zelk" "$@") $redirection" /dev/null; }
 cramped() (ulimit -v "$memory" && exec "$zelk" "$@")
 cramped_on_full_disk() { cramped "$@" >/dev/full; }
+cramped_unread() (ulimit -v "$memory" && unread "$@")
 
 # ask HOW QUESTION: runs the command on the words that a shell makes of the question.
 ask() {
@@ -193,24 +197,23 @@ done
 
 # Whatever ends the command, the output ends with a whole line.
 seq -f 'exp %.0f/1009 200' 1 300 >"$scratch/slowly"
-"$zelk" batch "$scratch/slowly" >"$scratch/expected"
+"$zelk" batch --json "$scratch/slowly" >"$scratch/expected"
 is_beginning() { cmp -s <(head -c "$(stat -c %s "$scratch/out")" "$scratch/expected") "$scratch/out"; }
 ends_whole() { [[ ! -s $scratch/out || ! $(tail -c 1 "$scratch/out") ]] && is_beginning; }
 interrupted() (
   set -m # or a shell would have the command ignore SIGINT
-  "$zelk" batch --jobs "$jobs" "$scratch/slowly" >"$scratch/pipe" &
-  { head -c "$begin" && kill "-$1" $! && cat; } <"$scratch/pipe"
+  "$zelk" batch --json --jobs "$2" "$scratch/slowly" >"$scratch/pipe" &
+  { head -c "$3" && only_one_takes_signals && kill "-$1" $! && cat; } <"$scratch/pipe"
   wait $!
 )
-for signal in INT:130 TERM:143 HUP:129; do
-  for jobs in 1 2; do
-    begin=$((RANDOM * 3)) # at most a tenth of all, so that the rest waits in a full pipe
-    ask interrupted "${signal%:*}"
-    expect exits "${signal#*:}"
-    expect ends_whole
-  done
+only_one_takes_signals() { [[ $(grep -L 'SigBlk:.*[1-9a-f]' "/proc/$!/task/"*/status | wc -l) = 1 ]]; }
+for signal in {1..6} {10..15} 24 29 64; do
+  # At most a fifth of all, so that the rest waits in a full pipe.
+  ask interrupted "$signal $((1 + signal % 2)) $((RANDOM * 3))"
+  expect exits $((128 + signal))
+  expect ends_whole
 done
-ask bounded 'batch "$scratch/slowly"'
+ask bounded 'batch --json "$scratch/slowly"'
 expect exits 3
 expect mentions err 'File too large'
 expect test -s "$scratch/out"
@@ -264,9 +267,16 @@ if ((status != 0)); then
     expect exits 1
     expect holds out ''
     expect holds err 'zelk: not enough memory'
-    printf 'cf 5\npi 1400\n' >"$scratch/many"
+    printf 'cf 5\ncompare "3^(10^7)" 5\n' >"$scratch/many"
+    ask cramped 'batch --jobs 2 "$scratch/many"'
+    expect exits 1
+    expect holds out '[5]'
+    expect holds err 'zelk: not enough memory'
     ask cramped_on_full_disk 'batch "$scratch/many"'
     expect exits 3
+    ask cramped_unread 'batch "$scratch/many"'
+    expect exits 3
+    expect eval '! mentions err Broken'
     # Workers leave memory for their work.
     seq -f 'cf %.0f/1000003' 1 20000 >"$scratch/many"
     "$zelk" batch "$scratch/many" >"$scratch/expected"
@@ -286,6 +296,24 @@ if ((status != 0)); then
       done
     done
     expect exits 0
+    # What a batch has found is let go where it finds no room, and where GMP does.
+    digits=$(seq -s '' 1 400)
+    seq -f "convergents 0.%.0f$digits" 1 100 >"$scratch/many"
+    echo "compare '3^(4*10^6)' 5" >>"$scratch/many"
+    "$zelk" batch "$scratch/many" >"$scratch/expected"
+    for memory in 72000 90000; do
+      ask cramped 'batch "$scratch/many"'
+      expect exits 0
+      expect cmp -s "$scratch/expected" "$scratch/out"
+    done
+    # No more than 32 MiB of answers wait for one that takes long, and then its worker does not wait
+    # for theirs to be taken.
+    memory=125000
+    { echo 'pi 600000 --short' && seq -f "convergents 0.%.0f$digits" 1 200; } >"$scratch/many"
+    "$zelk" batch --max-digits 600000 "$scratch/many" >"$scratch/expected"
+    ask cramped '--max-bits 400000000 --max-digits 600000 batch --jobs 3 "$scratch/many"'
+    expect exits 0
+    expect cmp -s "$scratch/expected" "$scratch/out"
     memory=60000
     # What a batch has found is let go before all of it is too much.
     seq -f 'pi %.0f' 150 199 >"$scratch/many"
