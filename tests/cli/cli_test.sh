@@ -50,9 +50,9 @@ without_gnuplot() { PATH=/nowhere "$zelk" "$@"; }
 with_failing_gnuplot() { picture=failing plotting "$@"; }
 with_gnuplot_cut_short() { picture='cut' plotting "$@"; }
 on_terminal() { SHELL=$BASH script -qec "$(printf '%q ' "$zelk" "$@") $redirection" /dev/null; }
-cramped() (ulimit -v "$memory" && exec "$zelk" "$@")
+cramped() (ulimit -v "$1" && exec "$zelk" "${@:2}") # to so many KiB
 cramped_on_full_disk() { cramped "$@" >/dev/full; }
-cramped_unread() (ulimit -v "$memory" && unread "$@")
+cramped_unread() (ulimit -v "$1" && unread "${@:2}")
 
 # ask HOW QUESTION: runs the command on the words that a shell makes of the question.
 ask() {
@@ -87,6 +87,9 @@ holds() {
     *) printf '%s\n' "$text" | cmp -s - "$scratch/$1" ;;
   esac
 }
+
+# answers_to FILE OPTION...: what a batch prints that has all memory.
+answers_to() { "$zelk" "${@:2}" batch "$scratch/$1" | cmp -s - "$scratch/out"; }
 
 # between TRUTH WIDTH [descending]: two fractions, one per line, at most WIDTH apart, hold TRUTH.
 between() {
@@ -136,6 +139,20 @@ many() { head -c "$2" /dev/zero | tr '\0' "$1"; }
   printf 'cf 3' && many ' ' 16777212 && printf '\ncf 2#' && many 1 17000000 && echo
   many 1 16777217 && echo && many ' ' 17000000 && printf '\ncf 3/2' && many ' ' 17000000
 } >"$scratch/long"
+seq -f 'exp %.0f/1009 200' 1 300 >"$scratch/slowly"
+seq -f 'cf %.0f/1000003' 1 20000 >"$scratch/quick"
+printf 'cf 5\ncompare "3^(10^7)" 5\n' >"$scratch/product"
+seq -f "convergents 0.%.0f$(seq -s '' 1 400)" 1 200 >"$scratch/texts"
+{ head -n 100 "$scratch/texts" && echo "compare '3^(4*10^6)' 5"; } >"$scratch/heavy"
+{ echo 'pi 600000 --short' && cat "$scratch/texts"; } >"$scratch/waiting"
+seq -f 'pi %.0f' 150 199 >"$scratch/records"
+
+# Memory is scarce only where the limit is kept; and the command, unlike one that carries
+# sanitizers, has to start within it.
+is_scarce=
+if ! cramped 1000 --version >"$scratch/out" 2>&1 && cramped 60000 --version >"$scratch/out" 2>&1; then
+  is_scarce=yes
+fi
 
 how=plainly
 while IFS='|' read -r expected question stdout stderr; do
@@ -143,6 +160,7 @@ while IFS='|' read -r expected question stdout stderr; do
     '' | '#'*) continue ;;
     '['*']') how=${expected:1:-1} && continue ;;
   esac
+  [[ $is_scarce || $how != cramped* ]] || continue
   stdout=${stdout# } stderr=${stderr# }
   ask "$how" "$question"
   expect exits "${expected% }"
@@ -196,7 +214,6 @@ for options in '' --json --fail-fast '--max-bits 300000'; do
 done
 
 # Whatever ends the command, the output ends with a whole line.
-seq -f 'exp %.0f/1009 200' 1 300 >"$scratch/slowly"
 "$zelk" batch --json "$scratch/slowly" >"$scratch/expected"
 is_beginning() { cmp -s <(head -c "$(stat -c %s "$scratch/out")" "$scratch/expected") "$scratch/out"; }
 ends_whole() { [[ ! -s $scratch/out || ! $(tail -c 1 "$scratch/out") ]] && is_beginning; }
@@ -215,9 +232,7 @@ for signal in {1..6} {10..15} 24 29 64; do
 done
 ask bounded 'batch --json "$scratch/slowly"'
 expect exits 3
-expect mentions err 'File too large'
-expect test -s "$scratch/out"
-expect ends_whole
+expect eval 'mentions err "File too large" && [[ -s $scratch/out ]] && ends_whole'
 
 # On a terminal diagnostics have colour, and a run longer than a second tells how far it has got, on
 # a line that goes before anything else is written. Its queries come until it has told.
@@ -255,71 +270,18 @@ else
   echo 'no pseudo-terminal: colour and progress were not tried'
 fi
 
-# Memory, in KiB, is scarce only where the limit is kept; and the command, unlike one that carries
-# sanitizers, has to start within it.
-memory=1000
-ask cramped --version
-if ((status != 0)); then
-  memory=60000
-  ask cramped --version
-  if ((status == 0)); then
-    ask cramped 'pi 1400'
-    expect exits 1
-    expect holds out ''
-    expect holds err 'zelk: not enough memory'
-    printf 'cf 5\ncompare "3^(10^7)" 5\n' >"$scratch/many"
-    ask cramped 'batch --jobs 2 "$scratch/many"'
-    expect exits 1
-    expect holds out '[5]'
-    expect holds err 'zelk: not enough memory'
-    ask cramped_on_full_disk 'batch "$scratch/many"'
-    expect exits 3
-    ask cramped_unread 'batch "$scratch/many"'
-    expect exits 3
-    expect eval '! mentions err Broken'
-    # Workers leave memory for their work.
-    seq -f 'cf %.0f/1000003' 1 20000 >"$scratch/many"
-    "$zelk" batch "$scratch/many" >"$scratch/expected"
-    for memory in 50000 60000; do
-      ask cramped 'batch --jobs 1024 "$scratch/many"'
-      expect exits 0
-      expect cmp -s "$scratch/expected" "$scratch/out"
+# From too little memory to enough, each line is right, and what is not answered is told.
+if [[ $is_scarce ]]; then
+  for memory in $(seq 15000 4000 51000); do
+    for format in '' --json; do
+      "$zelk" batch $format "$scratch/slowly" >"$scratch/expected"
+      ask cramped "$memory batch $format \"\$scratch/slowly\""
+      expect eval '((status == 0)) || { ((status == 1)) && mentions err "not enough memory"; } ||
+        ((status == 127))' # the loader's
+      expect ends_whole
     done
-    # From too little memory to enough, each line is right, and what is not answered is told.
-    for memory in $(seq 15000 4000 51000); do
-      for format in '' --json; do
-        "$zelk" batch $format "$scratch/slowly" >"$scratch/expected"
-        ask cramped "batch $format \"\$scratch/slowly\""
-        expect eval '((status == 0)) || { ((status == 1)) && mentions err "not enough memory"; } ||
-          ((status == 127))' # the loader's
-        expect ends_whole
-      done
-    done
-    expect exits 0
-    # What a batch has found is let go where it finds no room, and where GMP does.
-    digits=$(seq -s '' 1 400)
-    seq -f "convergents 0.%.0f$digits" 1 100 >"$scratch/many"
-    echo "compare '3^(4*10^6)' 5" >>"$scratch/many"
-    "$zelk" batch "$scratch/many" >"$scratch/expected"
-    for memory in 72000 90000; do
-      ask cramped 'batch "$scratch/many"'
-      expect exits 0
-      expect cmp -s "$scratch/expected" "$scratch/out"
-    done
-    # No more than 32 MiB of answers wait for one that takes long, and then its worker does not wait
-    # for theirs to be taken.
-    memory=125000
-    { echo 'pi 600000 --short' && seq -f "convergents 0.%.0f$digits" 1 200; } >"$scratch/many"
-    "$zelk" batch --max-digits 600000 "$scratch/many" >"$scratch/expected"
-    ask cramped '--max-bits 400000000 --max-digits 600000 batch --jobs 3 "$scratch/many"'
-    expect exits 0
-    expect cmp -s "$scratch/expected" "$scratch/out"
-    memory=60000
-    # What a batch has found is let go before all of it is too much.
-    seq -f 'pi %.0f' 150 199 >"$scratch/many"
-    ask cramped '--max-bits 40000000 batch "$scratch/many"'
-    expect exits 0
-  fi
+  done
+  expect exits 0
 fi
 
 printf '%d questions, %d failures\n' "$rows" "$failures"
