@@ -250,6 +250,9 @@ if script -qec true /dev/null >/dev/null 2>&1; then
   coloured=$'\e[1;31mzelk:\e[0m'
   NO_COLOR=1 ask on_terminal 'cf 1/0'
   expect holds out 'zelk: "1/0": column 3: zero denominator\r'
+  begin=$SECONDS
+  ask on_terminal 'pi 700 --format decimal'
+  expect eval '((SECONDS != begin)) || ! mentions out $'"'\r\e[K'"
   redirection='>"$scratch/answers"'
   ask on_terminal 'batch "$scratch/long"'
   expect mentions out "$coloured $scratch/long:3:1: the line is longer than 16777216 bytes"
