@@ -39,22 +39,18 @@ void Answers::look_up_or_compute(Item& item) {
     item.offending_column = refusal.column;
     return;
   }
-  try {
-    keep(item);
-  } catch (std::bad_alloc const&) {
-    let_go_of_all();
-  }
+  keep(item);
 }
 
 void Answers::compute(Item& item) {
   auto const& style = settings.style;
-  Query const query = parse_query(item.query);
-  auto const places = places_of(query, style);
-  double const bits = settings.limits.check(query, places).held;
+  Query query = parse_query(item.query);
+  query.places = places_of(query, style);
+  double const bits = settings.limits.check(query).held;
   if (kept + bits > share) let_go();
   auto const answered = solver.answer_within(share - kept, query, bits, proof_of(style));
   item.answer = to_output(item.query, query, answered, style, " ", "; ");
-  item.note = note_on(query, answered.answer, style);
+  item.note = note_on(query, answered.answer);
 }
 
 void Answers::keep(Item const& item) {

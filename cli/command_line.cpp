@@ -335,7 +335,8 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
 
   try {
     parse_words(query);
-    auto const demand = settings.limits.check(query, places_of(query, settings.style));
+    query.places = places_of(query, settings.style);
+    auto const demand = settings.limits.check(query);
     na::StepCounter const counter;
     Progress const progress([&](std::span<char> text, long seconds) {
       bool const is_long = line.size() > 30;
@@ -355,7 +356,7 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
         Solver(settings.limits)
             .answer_within(settings.limits.max_bits, query, demand.held, proof_of(style));
     print({to_output(line, query, answered, style, "\n", "\n"), "\n"});
-    if (auto const* const note = note_on(query, answered.answer, style)) complain({note});
+    if (auto const* const note = note_on(query, answered.answer)) complain({note});
     return 0;
   } catch (Refusal const& refusal) {
     if (settings.style.json) {

@@ -9,11 +9,14 @@
 
 namespace zelk::cli {
 
-/// Takes its seats out of a ring that has room for all of them.
+/// Takes its seats out of a ring that has room for all of them, or, when they are back, for the
+/// end.
 class Crew::Worker {
  public:
   Worker(Crew& its_crew, Settings const& settings, double share)
-      : crew(its_crew), answers(*this, settings, share), thread([this] { run(); }) {}
+      : crew(its_crew),
+        answers(*this, settings, share),
+        thread(thread_without_signals([this] { run(); })) {}
   Worker(Worker const&) = delete;
   Worker& operator=(Worker const&) = delete;
   ~Worker() {
@@ -65,7 +68,7 @@ class Crew::Worker {
 
   Crew& crew;
   OwnAnswers answers;
-  std::vector<Seat*> ring = std::vector<Seat*>(capacity + 1);  // the end needs a place too
+  std::vector<Seat*> ring = std::vector<Seat*>(capacity);
   std::size_t filled = 0;
   std::atomic<std::size_t> published = 0;
   Seat* current = nullptr;
@@ -73,7 +76,6 @@ class Crew::Worker {
 };
 
 Crew::Crew(Settings const& settings, unsigned wanted) {
-  SignalsBlocked const blocked;
   workers.reserve(wanted);
   // Where memory is short, half of it is left for the work: as much as a stack for each worker.
   constexpr std::size_t size_of_stack = std::size_t{1} << 23;

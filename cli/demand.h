@@ -11,14 +11,14 @@ struct Demand {
   double steps = 0;       // terms and convergents, where the library counts them
 };
 
-/// The demand of a query of each function, whose answer is printed with `places` decimals.
-Demand demand_of_cf(Query const& query, unsigned places);
-Demand demand_of_approx(Query const& query, unsigned places);
-Demand demand_of_convergents(Query const& query, unsigned places);
-Demand demand_of_simplest(Query const& query, unsigned places);
-Demand demand_of_exp(Query const& query, unsigned places);
-Demand demand_of_sine(Query const& query, unsigned places);
-Demand demand_of_pi(Query const& query, unsigned places);
-Demand demand_of_expression(Query const& query, unsigned places);
+/// The demand of a query of each function.
+Demand demand_of_cf(Query const& query);
+Demand demand_of_approx(Query const& query);
+Demand demand_of_convergents(Query const& query);
+Demand demand_of_simplest(Query const& query);
+Demand demand_of_exp(Query const& query);
+Demand demand_of_sine(Query const& query);
+Demand demand_of_pi(Query const& query);
+Demand demand_of_expression(Query const& query);
 
 }  // namespace zelk::cli

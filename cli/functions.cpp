@@ -14,6 +14,8 @@
 #include "zelk/approx/simplest.h"
 #include "zelk/certify/coq.h"
 #include "zelk/certify/statement.h"
+#include "zelk/convert/decimal.h"
+#include "zelk/convert/text.h"
 #include "zelk/real/enclose.h"
 
 namespace zelk::cli {
@@ -52,8 +54,16 @@ Convergent beside(QNumber const& value, QNumber const& q) {
 }
 
 /// Where the library gives up to tell.
-constexpr char undecided[] = "not decided by 10000 digits, or not the same for all of an interval";
-static_assert(real::default_most_digits == 10000);
+[[noreturn]] void refuse_undecided(Query const& query) {
+  auto const has_interval = [](real::Expression const& expression) {
+    return !std::ranges::all_of(expression.numbers(), &real::Interval::is_point);
+  };
+  static_assert(real::default_most_digits == 10000);
+  std::string reason = "not decided by 10000 digits";
+  if (std::ranges::any_of(query.expressions, has_interval))
+    reason += ", or not the same for all of an interval";
+  refuse(query, *query.words[0], reason);
+}
 
 /// What `find` makes of expressions. What they do not define becomes a refusal.
 template <class Find>
@@ -69,17 +79,29 @@ Answer certainly(Query const& query, Find const& find) {
   }
 }
 
-/// Beside a value that is not known to be rational. The distance is rounded up, to three digits.
+/// Beside a value that is not known to be rational. The distance is rounded up, to three digits, or
+/// to so many that the decimals to be printed are its own; over an interval it has none.
 Convergent beside(Query const& query, QNumber const& value, Approximators& approximators) {
-  auto const [bounds, is_narrow] =
-      real::enclose(approximators.functions, real::Expression(value) - query.expressions[0],
-                    real::Accuracy::relative(3));
-  if (!is_narrow) refuse(query, *query.words[0], undecided);
+  auto const difference = real::Expression(value) - query.expressions[0];
+  auto found = real::enclose(approximators.functions, difference, real::Accuracy::relative(3));
+  int const sign = found.bounds.sign();
+  if (!found.is_narrow) refuse_undecided(query);
+  auto const shows_its_own = [&] {
+    auto const decimal = [&](QNumber const& q) {
+      return convert::to_decimal(q, *query.places, convert::Rounding::nearest);
+    };
+    return !query.places || decimal(found.bounds.lower()) == decimal(found.bounds.upper());
+  };
+  for (unsigned more = 2; found.is_narrow && !shows_its_own(); more *= 2) {
+    if (more > real::default_most_digits) refuse_undecided(query);
+    found = real::enclose(approximators.functions, difference,
+                          real::Accuracy::absolute(*query.places + more));
+  }
   return {value,
-          bounds.sign() < 0   ? "<"
-          : bounds.sign() > 0 ? ">"
-                              : "=",
-          std::max(-bounds.lower(), bounds.upper())};
+          sign < 0   ? "<"
+          : sign > 0 ? ">"
+                     : "=",
+          std::max(-found.bounds.lower(), found.bounds.upper())};
 }
 
 /// The same query of the value of its expression, where that is known to be rational.
@@ -97,9 +119,17 @@ Terms certain_terms(Query const& query, Approximators& approximators) {
   if (query.terms == UINT_MAX)
     refuse(query, *query.words[0], "not known to be rational: --terms must say how many");
   auto [terms, is_whole] = real::terms(approximators.functions, query.expressions[0], query.terms);
-  if (terms.size() < query.terms && !is_whole)
+  if (terms.size() < query.terms && !is_whole) {
+    std::string certain;
+    for (auto const& term : terms)
+      certain += (certain.empty()      ? ""
+                  : &term == &terms[1] ? "; "
+                                       : ", ") +
+                 convert::to_string(term);
     refuse(query, *query.words[0],
-           "only the first " + std::to_string(terms.size()) + " terms are certain");
+           certain.empty() ? "no term is certain"
+                           : "no more terms are certain than [" + certain + "]");
+  }
   return std::move(terms);
 }
 
@@ -155,7 +185,7 @@ Answer best(Query const& query, Approximators& approximators) {
                                               : real::best_nearest;
       auto const found = find(approximators.functions, query.expressions[0], query.numbers[0],
                               real::default_most_digits);
-      if (!found) refuse(query, *query.words[0], undecided);
+      if (!found) refuse_undecided(query);
       return Best{beside(query, *found, approximators)};
     });
   auto const find = query.direction < 0   ? na::best_below
@@ -289,7 +319,7 @@ Answer compare(Query const& query, Approximators& approximators) {
   return certainly(query, [&]() -> Answer {
     auto const order =
         real::compare(approximators.functions, query.expressions[0], query.expressions[1]);
-    if (!order) refuse(query, *query.words[0], undecided);
+    if (!order) refuse_undecided(query);
     return Relation{std::is_lt(*order) ? "<" : std::is_gt(*order) ? ">" : "="};
   });
 }
@@ -346,7 +376,8 @@ std::span<Function const> all_functions() {
            "  zelk convergents 415/93 --terms 2   4 < 43/93 and 9/2 > 7/186\n"
            "  zelk convergents 'sqrt(2)' --terms 5\n"
            "Of an expression that is not known to be rational, --terms must say how many, and\n"
-           "the distances are rounded up, by less than a hundredth.",
+           "the distances are rounded up, by less than a hundredth, and their decimals to the\n"
+           "nearest.",
        .arguments = {q, terms},
        .flags = {floor},
        .can_be_plotted = false,

@@ -86,7 +86,7 @@ struct Function {
   std::vector<Argument> arguments;
   std::vector<Flag> flags;
   bool can_be_plotted;  // its bounds, over a range of points
-  Demand (&demand)(Query const& query, unsigned places);
+  Demand (&demand)(Query const& query);
   Answer (&solve)(Query const& query, Approximators& approximators);  // Throws: Refusal.
 
   /// The same with a certificate, and what it states; null where there are none.

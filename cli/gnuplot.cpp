@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -14,6 +13,7 @@
 
 #include "cli/output.h"
 #include "cli/query.h"
+#include "cli/whole_file.h"
 #include "zelk/convert/text.h"
 
 namespace zelk::cli {
@@ -41,16 +41,6 @@ class TemporaryFile {
 
   int descriptor;
 };
-
-void write(std::string const& text, std::string const& file) {
-  std::FILE* const output = std::fopen(file.c_str(), "w");
-  if (output == nullptr) fail(errno, "cannot write " + file);
-  errno = 0;
-  bool complete = std::fwrite(text.data(), 1, text.size(), output) == text.size();
-  int const reason = errno;
-  if (std::fclose(output) != 0) complete = false;
-  if (!complete) fail(reason != 0 ? reason : errno, "cannot write " + file);
-}
 
 /// All of a file from its beginning, or all that comes out of a pipe.
 std::string read_all(int file) {
@@ -111,7 +101,7 @@ std::string drawn(std::string const& script) {
 
 void draw_by_gnuplot(std::string const& script, std::string const& file) {
   auto const image = drawn(script);
-  file == "-" ? put(image) : write(image, file);
+  file == "-" ? put(image) : write_whole_file(file, image);
 }
 
 }  // namespace zelk::cli

@@ -35,11 +35,11 @@ Text bytes(double bits) {
 
 }  // namespace
 
-Demand Limits::check(Query const& query, unsigned places) const {
+Demand Limits::check(Query const& query) const {
   if (query.digits && *query.digits > max_digits)
     refuse(std::to_string(*query.digits) + " digits are more than --max-digits " +
            std::to_string(max_digits));
-  Demand const demand = query.function->demand(query, places);
+  Demand const demand = query.function->demand(query);
   check(demand);
   return demand;
 }

@@ -12,9 +12,9 @@ struct Limits {
   unsigned max_digits = 100'000;
   double max_bits = 4e9;  // half a gigabyte
 
-  /// The demand of a query whose answer is printed with `places` decimals.
+  /// The demand of a query.
   /// Throws: Refusal, if it asks for more digits, or if the demand is too great.
-  Demand check(Query const& query, unsigned places) const;
+  Demand check(Query const& query) const;
 
   /// Throws: Refusal, of a demand to hold more than `max_bits`, or to work through more than a
   /// thousand times as many.

@@ -11,6 +11,8 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/output.h"
+
 namespace zelk::cli {
 namespace {
 
@@ -18,24 +20,16 @@ namespace {
   throw std::system_error(errno, std::generic_category(), "cannot read " + name);
 }
 
-/// Whether what is printed would be read in its turn, without end.
-bool is_standard_output(int descriptor) {
-  struct stat input;
-  struct stat output;
-  return fstat(descriptor, &input) == 0 && fstat(STDOUT_FILENO, &output) == 0 &&
-         S_ISREG(input.st_mode) && input.st_size != 0 && input.st_dev == output.st_dev &&
-         input.st_ino == output.st_ino;
-}
-
 }  // namespace
 
 Lines::Lines(std::string file_name, std::function<bool()> before_waiting)
     : name(std::move(file_name)),
       prepare_to_wait(std::move(before_waiting)),
-      descriptor(name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
-  if (descriptor < 0) fail(name);
-  if (is_standard_output(descriptor)) {
-    if (descriptor != STDIN_FILENO) close(descriptor);
+      descriptor(name == "-" ? STDIN_FILENO : open(name.c_str(), O_RDONLY)) {
+  struct stat file;
+  if (descriptor < 0 || fstat(descriptor, &file) != 0) fail(name);
+  // What is printed would be read in its turn, without end.
+  if (is_standard_output(file)) {
     errno = EDEADLK;
     fail(name + ", which is the output as well");
   }
@@ -66,16 +60,18 @@ bool Lines::next() {
   }
 }
 
-/// Reads at most `size` bytes; returns none at the end of the file.
+/// Reads at most `size` bytes; returns none at the end of the file. A descriptor that does not wait
+/// by itself may have nothing after all, if others read from it too.
 std::string_view Lines::read(char* target, std::size_t size) {
   pollfd wanted = {descriptor, POLLIN, 0};
-  if (poll(&wanted, 1, 0) == 0 && !prepare_to_wait()) return {};
   for (;;) {
+    if (poll(&wanted, 1, 0) == 0) {
+      if (!prepare_to_wait()) return {};
+      poll(&wanted, 1, -1);
+    }
     auto const count = ::read(descriptor, target, size);
     if (count >= 0) return {target, static_cast<std::size_t>(count)};
-    bool const is_empty = errno == EAGAIN || errno == EWOULDBLOCK;
-    if (!is_empty && errno != EINTR) fail(name);
-    if (is_empty) poll(&wanted, 1, -1);
+    if (errno != EAGAIN && errno != EWOULDBLOCK) fail(name);
   }
 }
 

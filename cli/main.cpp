@@ -9,6 +9,7 @@ int main(int argc, char** argv) {
   using namespace zelk::cli;
   watch_allocations_of_gmp();
   share_scarce_addresses();
+  hold_standard_files();
   catch_signals();
   try {
     int const status = run_command_line(argc, argv);

@@ -1,12 +1,15 @@
 #include "cli/output.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -14,8 +17,6 @@
 
 namespace zelk::cli {
 namespace {
-
-constexpr int ending_signals[] = {SIGINT, SIGTERM, SIGHUP};
 
 char buffer[1 << 16];
 std::size_t buffered = 0;
@@ -39,9 +40,16 @@ void end_by(int signal) {
   pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
 }
 
-void note_or_end(int signal) {
+/// Whether it tells of a fault of the program itself, and was not sent.
+bool is_fault(int signal, siginfo_t const& information) {
+  bool const can_be = signal == SIGSEGV || signal == SIGBUS || signal == SIGFPE || signal == SIGILL;
+  return can_be && information.si_code > 0;
+}
+
+void note_or_end(int signal, siginfo_t* information, void*) {
   int const before = errno;
-  if (is_within_unit) {
+  // Behind a fault there is no way on.
+  if (is_within_unit && !is_fault(signal, *information)) {
     noted_signal = signal;
   } else {
     erase_progress_now();
@@ -164,16 +172,37 @@ bool write_all(int file, std::string_view text) noexcept {
 }
 
 void catch_signals() {
+  // These stop the command or do nothing to it.
+  constexpr int others[] = {SIGCHLD, SIGCONT, SIGTSTP, SIGTTIN, SIGTTOU, SIGURG, SIGWINCH};
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a write that fails
   struct sigaction action = {};
-  action.sa_handler = note_or_end;
-  for (int const signal : ending_signals) sigaddset(&action.sa_mask, signal);
-  for (int const signal : ending_signals) {
+  action.sa_sigaction = note_or_end;
+  action.sa_flags = SA_SIGINFO;
+  sigfillset(&action.sa_mask);
+  for (int signal = 1; signal <= SIGRTMAX; ++signal) {
     struct sigaction before;
     // What was ignored at the start, by nohup for one, stays ignored.
-    if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
-      sigaction(signal, &action, nullptr);
+    if (std::ranges::find(others, signal) == std::end(others) &&
+        sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_DFL)
+      sigaction(signal, &action, nullptr);  // fails for those that cannot be caught
   }
-  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a write that fails
+}
+
+void hold_standard_files() {
+  constexpr int modes[] = {O_WRONLY, O_RDONLY, O_RDONLY};
+  for (int file = 0; file < 3; ++file)
+    if (fcntl(file, F_GETFD) < 0) open("/dev/null", modes[file]);  // the least that is free
+}
+
+bool is_standard_output(struct stat const& file) {
+  struct stat output;
+  return S_ISREG(file.st_mode) && fstat(STDOUT_FILENO, &output) == 0 &&
+         file.st_dev == output.st_dev && file.st_ino == output.st_ino;
+}
+
+std::thread thread_without_signals(std::function<void()> work) {
+  SignalsBlocked const blocked;
+  return std::thread(std::move(work));
 }
 
 SignalsBlocked::SignalsBlocked() {

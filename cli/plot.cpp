@@ -21,17 +21,24 @@
 namespace zelk::cli {
 namespace {
 
+using convert::Rounding;
+
 /// A double for gnuplot, whose axes reach beyond the largest coordinate and must be doubles too.
-double coordinate(QNumber const& q) {
-  double const x = convert::to_double(q, convert::Rounding::nearest);
+double coordinate(QNumber const& q, Rounding rounding = Rounding::nearest) {
+  double const x = convert::to_double(q, rounding);
   if (std::abs(x) > 1e300)
     throw Refusal(Refusal::Kind::unanswerable, "some numbers are too large to be drawn");
   return x;
 }
 
-std::string show(QNumber const& q) {
+std::string show(QNumber const& q, Rounding rounding = Rounding::nearest) {
   char text[32];
-  return {text, std::to_chars(text, std::end(text), coordinate(q)).ptr};
+  return {text, std::to_chars(text, std::end(text), coordinate(q, rounding)).ptr};
+}
+
+/// A line of data, of which the graph at x lies between the bounds.
+std::string row(std::string const& x, QNumber const& lower, QNumber const& upper) {
+  return x + ' ' + show(lower, Rounding::down) + ' ' + show(upper, Rounding::up) + '\n';
 }
 
 /// log10 of a positive number of any size, near enough for an image.
@@ -66,9 +73,8 @@ Range read_range(PlotOptions const& options) {
     throw Refusal(Refusal::Kind::malformed,
                   "--points " + options.points + ": from 2 to 100000 points can be drawn");
   // Gnuplot places points and ticks in the range by doubles, which need some bits to tell them
-  // apart.
-  double const end = std::max(std::abs(coordinate(from)), std::abs(coordinate(to)));
-  if (!(from < to) || coordinate(to - from) < std::max(1e-9 * end, 1e-300))
+  // apart. The ends of a narrow range are as large as each other.
+  if (!(from < to) || coordinate(to - from) < std::max(1e-9 * std::abs(coordinate(from)), 1e-300))
     throw Refusal(Refusal::Kind::malformed,
                   "the range from " + options.from + " to " + options.to +
                       (from < to ? " is too narrow to be drawn" : " is empty"));
@@ -92,7 +98,7 @@ void plot_bounds(Function const& function, PlotOptions const& options, Settings 
   Demand all = {0, 0};
   for (unsigned i = 0; i < points; ++i) {
     query.numbers = {range[i]};
-    all.worked_through += settings.limits.check(query, 0).worked_through;
+    all.worked_through += settings.limits.check(query).worked_through;
   }
   settings.limits.check(all);
 
@@ -105,8 +111,8 @@ void plot_bounds(Function const& function, PlotOptions const& options, Settings 
   });
   for (unsigned i = 0; i < points; ++i, ++done) {
     query.numbers = {range[i]};
-    auto const [lower, upper] = std::get<Bounds>(solver.answer(query, 0));
-    script += show(query.numbers[0]) + ' ' + show(lower) + ' ' + show(upper) + '\n';
+    auto const [lower, upper] = std::get<Bounds>(solver.answer(query));
+    script += row(show(query.numbers[0]), lower, upper);
   }
   script +=
       "END\nset key above maxrows 1\nset xlabel 'x'\n"
@@ -124,7 +130,7 @@ void plot_expression(PlotOptions const& options, Settings const& settings) {
   query.digits = parse_count(Word{options.expression_digits});
   query.expressions = {expression};
   auto const steps = range.points - 1;
-  Demand all = settings.limits.check(query, 0);
+  Demand all = settings.limits.check(query);
   all.worked_through *= steps;
   settings.limits.check(all);
 
@@ -141,9 +147,8 @@ void plot_expression(PlotOptions const& options, Settings const& settings) {
       try {
         auto const [bounds, is_narrow] =
             real::enclose(approximators.functions, expression.at(x), *query.digits);
-        for (auto const* end : {&x.lower(), &x.upper()})
-          for (auto const* number : {end, &bounds.lower(), &bounds.upper()})
-            script.append(show(*number)) += number == &bounds.upper() ? '\n' : ' ';
+        script += row(show(x.lower(), Rounding::down), bounds.lower(), bounds.upper());
+        script += row(show(x.upper(), Rounding::up), bounds.lower(), bounds.upper());
         ++drawn;
       } catch (std::domain_error const&) {
         script += '\n';  // a gap
@@ -173,8 +178,7 @@ void plot_convergents(PlotOptions const& options, Settings const& settings) {
   Progress const progress([&](std::span<char> line, long seconds) {
     return std::snprintf(line.data(), line.size(), "convergents: %ld s", seconds);
   });
-  auto const convergents =
-      std::get<std::vector<Convergent>>(Solver(settings.limits).answer(query, 0));
+  auto const convergents = std::get<std::vector<Convergent>>(Solver(settings.limits).answer(query));
   if (convergents.size() == 1)
     throw Refusal(Refusal::Kind::unanswerable,
                   convert::quoted(options.number) + ": an integer has no convergents to draw");

@@ -13,9 +13,8 @@ namespace zelk::cli {
 
 Progress::Progress(Describe what) : describe(std::move(what)) {
   if (!is_capable_terminal()) return;
-  SignalsBlocked const blocked;
   try {
-    thread = std::thread([this] { run(); });
+    thread = thread_without_signals([this] { run(); });
   } catch (std::system_error const&) {
     // Where there are no more threads, the work is done without a word.
   }

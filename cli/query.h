@@ -41,6 +41,8 @@ struct Query {
   int open = 0;      // whether an interval is without its ends
   int floor = 0;     // whether the terms of a negative number are floors, whatever its size
   int relative = 0;  // whether `digits` are those of the value, and not decimals
+
+  std::optional<unsigned> places = {};  // of the decimals that are to be printed, if there are any
 };
 
 /// Why a query is not answered: it is malformed, or well formed and without an answer here.

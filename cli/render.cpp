@@ -165,8 +165,8 @@ struct JsonWriter {
 
 }  // namespace
 
-unsigned places_of(Query const& query, Style const& style) {
-  if (style.format == Format::fraction || style.format == Format::coq) return 0;
+std::optional<unsigned> places_of(Query const& query, Style const& style) {
+  if (style.format == Format::fraction || style.format == Format::coq) return std::nullopt;
   if (style.places) return std::max(*style.places, query.relative != 0 ? 1U : 0U);
   if (!query.digits) return places_without_digits;
   return std::min(*query.digits, UINT_MAX - places_beyond_digits) + places_beyond_digits;
@@ -175,17 +175,16 @@ unsigned places_of(Query const& query, Style const& style) {
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
                     std::string_view separator, std::string_view between) {
   return std::visit(
-      Writer{places_of(query, style), query.relative != 0, style.format, separator, between},
+      Writer{query.places.value_or(0), query.relative != 0, style.format, separator, between},
       answer);
 }
 
 namespace {
 
 /// Whether an answer that is not 0 is shown by decimals that are all 0.
-bool shows_only_zeros(Query const& query, Answer const& answer, Style const& style) {
-  if (style.format == Format::fraction || style.format == Format::coq || query.relative != 0)
-    return false;
-  auto const vanishes = [places = places_of(query, style)](QNumber const& q) {
+bool shows_only_zeros(Query const& query, Answer const& answer) {
+  if (!query.places || query.relative != 0) return false;
+  auto const vanishes = [places = *query.places](QNumber const& q) {
     if (q.is_zero()) return true;
     // Most numbers are at least 8^-places, by their sizes alone.
     if (mpz_sizeinbase(q.numerator(), 2) + std::size_t{3} * places >
@@ -210,11 +209,11 @@ bool shows_only_zeros(Query const& query, Answer const& answer, Style const& sty
 
 }  // namespace
 
-char const* note_on(Query const& query, Answer const& answer, Style const& style) {
+char const* note_on(Query const& query, Answer const& answer) {
   if (auto const* const found = std::get_if<Evaluation>(&answer); found && !found->is_narrow)
     return "wider than asked for: an interval in the expression is so wide, or its value too near "
            "0";
-  return shows_only_zeros(query, answer, style)
+  return shows_only_zeros(query, answer)
              ? "all digits shown are zeros; --digits-out or more DIGITS may show others"
              : nullptr;
 }
@@ -231,7 +230,7 @@ std::string to_json(std::string_view query_text, Query const& query, Answer cons
                     Style const& style) {
   std::string object = R"({"query":)";
   append_json_string(object, query_text);
-  std::visit(JsonWriter{places_of(query, style), query.relative != 0, style.format, object},
+  std::visit(JsonWriter{query.places.value_or(0), query.relative != 0, style.format, object},
              answer);
   return object += '}';
 }

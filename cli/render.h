@@ -33,8 +33,8 @@ inline ProofKind proof_of(Style const& style) {
 constexpr unsigned places_beyond_digits = 2;
 constexpr unsigned places_without_digits = 20;
 
-/// Decimal places of an answer; 0 when it is printed without decimals.
-unsigned places_of(Query const& query, Style const& style);
+/// Decimal places of an answer, if it is printed with decimals: to be set in its query.
+std::optional<unsigned> places_of(Query const& query, Style const& style);
 
 /// The answer as text, its parts with `separator` between them, its convergents with `between`.
 std::string to_text(Query const& query, Answer const& answer, Style const& style,
@@ -42,7 +42,7 @@ std::string to_text(Query const& query, Answer const& answer, Style const& style
 
 /// What is to be told beside the answer, or null: an answer that is not 0 is shown by decimals that
 /// are all 0, but for an end that was rounded outward; or bounds are farther apart than asked for.
-char const* note_on(Query const& query, Answer const& answer, Style const& style);
+char const* note_on(Query const& query, Answer const& answer);
 
 /// All that is told of an answer: its proof in the place of text, and after an object.
 std::string to_output(std::string_view query_text, Query const& query, Answered const& answered,

@@ -22,9 +22,9 @@ class Solver {
  public:
   explicit Solver(Limits const& solver_limits) : limits(solver_limits) {}
 
-  /// The answer, to be printed with `places` decimals. Throws: Refusal, beyond the limits.
-  Answer answer(Query const& query, unsigned places) {
-    return answer_within(limits.max_bits, query, limits.check(query, places).held);
+  /// Throws: Refusal, beyond the limits.
+  Answer answer(Query const& query) {
+    return answer_within(limits.max_bits, query, limits.check(query).held);
   }
 
   /// The same of a query that was found to take so many bits. What the tables of the library hold

@@ -27,7 +27,7 @@ class ErrorLine {
     }
   }
 
-  /// With everything that a terminal would interpret as an escape.
+  /// With everything that a terminal would interpret, or not show, as an escape.
   void add_harmless(std::string_view text) {
     constexpr char digits[] = "0123456789abcdef";
     while (!text.empty()) {
@@ -38,7 +38,7 @@ class ErrorLine {
       // U+0080 to U+009f begin escape sequences as well.
       bool const is_control =
           byte(0) < ' ' || byte(0) == 0x7f || (byte(0) == 0xc2 && first.is_valid && byte(1) < 0xa0);
-      if (first.is_valid && !is_control) {
+      if (first.is_valid && !is_control && !is_deceptive(first)) {
         add(bytes);
         continue;
       }

@@ -9,7 +9,7 @@ namespace zelk::cli {
 
 /// Writes a diagnostic of one line, `zelk: ...`, to standard error, and before it all results
 /// printed so far to standard output. On a terminal the name is in colour, unless NO_COLOR is set
-/// or the terminal is dumb. What a terminal would interpret is shown as `\x..`.
+/// or the terminal is dumb. What a terminal would interpret, or not show, appears as `\x..`.
 ///
 /// Allocates nothing and does not throw: if the results cannot be written, the next `print` or
 /// `flush_output` throws.

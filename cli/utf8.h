@@ -33,4 +33,23 @@ inline Character first_character(std::string_view text) {
   return {text.substr(0, size), size == length && length > 1};
 }
 
+/// Whether a character shows nothing of itself, or turns the direction of what stands around it: a
+/// text with it is not what it seems. By Unicode's default ignorable code points, line separators
+/// and marks of annotations.
+inline bool is_deceptive(Character const& character) {
+  static constexpr struct {
+    std::string_view first, last;
+  } ranges[] = {
+      {"\u00ad", "\u00ad"},         {"\u034f", "\u034f"},        {"\u061c", "\u061c"},
+      {"\u115f", "\u1160"},         {"\u17b4", "\u17b5"},        {"\u180b", "\u180f"},
+      {"\u200b", "\u200f"},         {"\u2028", "\u202e"},        {"\u2060", "\u206f"},
+      {"\u3164", "\u3164"},         {"\ufe00", "\ufe0f"},        {"\ufeff", "\ufeff"},
+      {"\uffa0", "\uffa0"},         {"\ufff0", "\ufffb"},        {"\U0001bca0", "\U0001bca3"},
+      {"\U0001d173", "\U0001d17a"}, {"\U000e0000", "\U000e0fff"}};
+  // Bytes in UTF-8 have the order of the characters.
+  for (auto const& [first, last] : ranges)
+    if (first <= character.bytes && character.bytes <= last) return true;
+  return false;
+}
+
 }  // namespace zelk::cli

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -27,6 +28,20 @@ std::size_t edit_distance(std::string_view text, std::string_view name) {
   return distances.back();
 }
 
+/// Whether a name that could be taken for one of ours is another function elsewhere, as a digit
+/// tells too: log2, atan2. The value of a function that was not meant is worse than none.
+bool has_own_meaning(std::string_view name) {
+  static constexpr std::string_view others[] = {
+      "acosd", "acosh", "acot",  "asind", "asinh", "atand", "atanh", "ccos",  "cexp",
+      "cin",   "cis",   "clog",  "cosc",  "cosd",  "coshc", "cosm",  "cot",   "coth",
+      "csin",  "csqrt", "ctan",  "exph",  "expi",  "expm",  "ilog",  "isqrt", "lg",
+      "logb",  "logd",  "logn",  "logp",  "min",   "rsqrt", "sgn",   "si",    "sign",
+      "sinc",  "sind",  "sinhc", "sinm",  "sqr",   "tanc",  "tand",  "tanhc", "tau"};
+  return name.find_first_of("0123456789") != std::string_view::npos ||
+         std::ranges::any_of(
+             others, [&](std::string_view other) { return edit_distance(name, other) == 0; });
+}
+
 bool is_name(Row const& row) { return row.precedence == 0 && !row.name.empty(); }
 
 }  // namespace
@@ -44,13 +59,16 @@ Row const* find_operator(char symbol, unsigned arity) {
 }
 
 std::string_view nearest_name(std::string_view wrong) {
+  if (wrong.size() > 16) return {};  // far from all
+  std::string text(wrong);
+  if (text.starts_with("arc")) text.erase(1, 2);
+  if (has_own_meaning(text)) return {};
   std::string_view nearest;
-  std::size_t least = wrong.size();
-  if (least > 16) return nearest;  // far from all
+  std::size_t least = 2;
   for (auto const& row : all_rows()) {
     if (!is_name(row)) continue;
-    auto const distance = edit_distance(wrong, row.name);
-    if (distance < least && distance < row.name.size()) {
+    auto const distance = edit_distance(text, row.name);
+    if (distance < least && 2 * distance < row.name.size()) {
       least = distance;
       nearest = row.name;
     }

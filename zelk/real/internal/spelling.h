@@ -12,8 +12,8 @@ Row const* find_name(std::string_view name);
 /// The operator that is written so and takes so many operands; null if there is none.
 Row const* find_operator(char symbol, unsigned arity);
 
-/// The name that takes the fewest changes of a letter to make of a wrong one; empty if all of it
-/// would have to change.
+/// The name that one changed letter makes of a wrong one, in either case, or that means the same,
+/// as asin and arcsin; empty if there is none, or if the wrong one is another function elsewhere.
 std::string_view nearest_name(std::string_view wrong);
 
 }  // namespace zelk::real
