@@ -3,6 +3,7 @@
 #include <cassert>
 
 #include "zelk/approx/internal/convergent_recurrence.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -12,6 +13,7 @@ std::vector<QNumber> convergents(std::vector<QNumber> const& terms) {
   all.reserve(terms.size());
   for (QNumber const& term : terms) {
     assert(term.is_integer());
+    if (all.size() % 16 == 0) work::poll(64 * work::pass(work::bits_of(last.h)));
     last.append(term.numerator());
     // Negative terms can make k negative. With all signs changed the recurrence goes on the same.
     if (mpz_sgn(last.k.get()) < 0)

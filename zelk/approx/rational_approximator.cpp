@@ -7,6 +7,7 @@
 #include "zelk/approx/internal/convergent_walk.h"
 #include "zelk/approx/internal/euclid.h"
 #include "zelk/numbers/integer.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -32,7 +33,10 @@ void extend(RationalApproximator::ContinuedFraction& c, unsigned count) {
   Euclid rest(c.remainder);
   Integer const one(1UL);
   Integer term;
+  constexpr std::size_t block = 64;
   while (incomplete() && !rest.is_done()) {
+    if (c.terms.size() % block == 0)
+      work::poll(block * work::pass(work::bits_of(c.remainder.numerator())));
     rest.split(term);
     c.terms.emplace_back(QNumber::LowestTerms{term, one});
   }

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <limits>
 
+#include "zelk/convert/internal/long_text.h"
 #include "zelk/numbers/integer.h"
 
 namespace zelk::convert {
@@ -109,19 +110,9 @@ long to_word(std::string_view digits, long zeros) {
   return n;
 }
 
-/// Requires: `digits` holds decimal digits only, at least one.
-void assign(Integer& n, std::string const& digits) { mpz_set_str(n, digits.c_str(), 10); }
-
 void append(std::string& text, long n) {
   char digits[digits_of_word + 2];  // one more, and a sign
   text.append(digits, std::to_chars(digits, std::end(digits), n).ptr);
-}
-
-void append(std::string& text, mpz_srcptr n) {
-  auto const start = text.size();
-  text.resize(start + mpz_sizeinbase(n, 10) + 2);  // a sign and the terminating NUL
-  mpz_get_str(text.data() + start, 10, n);
-  text.resize(text.find('\0', start));
 }
 
 }  // namespace
@@ -161,8 +152,8 @@ QNumber parse_rational(std::string_view text) {
   Integer numerator;
   Integer denominator;
   Integer power;
-  assign(numerator, digits);
-  assign(denominator, divisor);
+  assign_digits(numerator, digits);
+  assign_digits(denominator, divisor);
   mpz_ui_pow_ui(power, 10, static_cast<unsigned long>(std::labs(scale)));
   auto& scaled = scale < 0 ? denominator : numerator;
   mpz_mul(scaled, scaled, power);
@@ -173,13 +164,13 @@ QNumber parse_rational(std::string_view text) {
 std::string to_string(QNumber const& q) {
   std::string text;
   if (q.is_big())
-    append(text, q.numerator());
+    append_digits(text, q.numerator());
   else
     append(text, q.small_numerator());
   if (q.is_integer()) return text;
   text += '/';
   if (q.is_big())
-    append(text, q.denominator());
+    append_digits(text, q.denominator());
   else
     append(text, q.small_denominator());
   return text;

@@ -1,7 +1,10 @@
 #include "zelk/numbers/functions.h"
 
+#include <bit>
+
 #include "zelk/numbers/errors.h"
 #include "zelk/numbers/integer.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::detail {
 
@@ -14,6 +17,26 @@ QNumber divided(decltype(mpz_fdiv_q)* divide, mpz_srcptr n, mpz_srcptr d) {
   Integer quotient;
   divide(quotient, n, d);
   return from_integer(quotient);
+}
+
+/// n^exponent; a long one from the leading bit of the exponent on, so that it can be stopped.
+void raise(Integer& out, mpz_srcptr n, unsigned long exponent) {
+  constexpr double most_bits_at_once = 1 << 17;
+  if (work::bits_of(n) * static_cast<double>(exponent) <= most_bits_at_once || mpz_sgn(n) == 0) {
+    mpz_pow_ui(out, n, exponent);
+    return;
+  }
+  // Zeros are not multiplied.
+  Integer odd;
+  auto const zeros = mpz_scan1(n, 0);
+  mpz_tdiv_q_2exp(odd, n, zeros);
+  mpz_set(out, odd);
+  for (int bit = static_cast<int>(std::bit_width(exponent)) - 2; bit >= 0; --bit) {
+    work::poll(4 * work::product(work::bits_of(out)));
+    mpz_mul(out, out, out);
+    if ((exponent >> bit & 1) != 0) mpz_mul(out, out, odd);
+  }
+  mpz_mul_2exp(out, out, zeros * exponent);
 }
 
 }  // namespace
@@ -43,8 +66,8 @@ QNumber pow(QNumber const& q, long exponent) {
   // Powers of coprime integers are coprime.
   Integer n;
   Integer d;
-  mpz_pow_ui(n, q.numerator(), magnitude);
-  mpz_pow_ui(d, q.denominator(), magnitude);
+  raise(n, q.numerator(), magnitude);
+  raise(d, q.denominator(), magnitude);
   if (exponent < 0) {
     mpz_swap(n, d);
     if (mpz_sgn(d.get()) < 0) {

@@ -8,6 +8,7 @@
 #include "zelk/numbers/internal/fixed_number.h"
 #include "zelk/numbers/internal/leading_bits.h"
 #include "zelk/numbers/internal/scratch.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk {
 
@@ -87,6 +88,14 @@ class WideView {
   mpz_t own;
 };
 
+/// Before what may take gcds of two such integers, and before anything is written: of short ones
+/// nobody is asked.
+void poll_gcds(mpz_srcptr a, mpz_srcptr b) {
+  constexpr std::size_t most_unasked = 128;
+  if (auto const size = mpz_size(a) + mpz_size(b); size > most_unasked) [[unlikely]]
+    work::poll(2 * work::gcd(64.0 * static_cast<double>(size)));
+}
+
 /// Throws: DivisionByZero when the divisor is 0.
 void require_divisor(mpz_srcptr divisor) {
   if (mpz_sgn(divisor) == 0) throw DivisionByZero("division by zero");
@@ -105,6 +114,7 @@ QNumber QNumber::from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
 
 QNumber QNumber::big_from_mpz(mpz_srcptr numerator, mpz_srcptr denominator) {
   require_divisor(denominator);
+  poll_gcds(numerator, denominator);
   QNumber big;
   big.adopt(new Block(numerator, denominator));
   big.normalise_big();
@@ -242,11 +252,12 @@ void QNumber::product_wide(long n1, long n2, long d1, long d2) {
 
 void QNumber::sum_big(QNumber const& a, QNumber const& b, Sign sign) {
   auto const accumulate = sign == Sign::plus ? mpz_add : mpz_sub;
-  auto& [n, d] = room_for_result(a);
   IntegerView const an = a.numerator();
   IntegerView const ad = a.denominator();
   IntegerView const bn = b.numerator();
   IntegerView const bd = b.denominator();
+  poll_gcds(ad, bd);
+  auto& [n, d] = room_for_result(a);
   if (is_one(ad) && is_one(bd)) {
     accumulate(n, an, bn);
     mpz_set_ui(d, 1);
@@ -283,11 +294,12 @@ void QNumber::product_big(QNumber const& a, QNumber const& b) {
     become_zero();
     return;
   }
-  auto& [n, d] = room_for_result(a);
   IntegerView const an = a.numerator();
   IntegerView const ad = a.denominator();
   IntegerView const bn = b.numerator();
   IntegerView const bd = b.denominator();
+  poll_gcds(ad, bd);
+  auto& [n, d] = room_for_result(a);
   if (is_one(ad) && is_one(bd)) {
     mpz_mul(n, an, bn);
     mpz_set_ui(d, 1);
@@ -299,6 +311,7 @@ void QNumber::product_big(QNumber const& a, QNumber const& b) {
 void QNumber::quotient_big(QNumber const& a, QNumber const& b) {
   if (!b.is_big()) return product_big(a, b.inv());
   require_divisor(b.numerator());
+  poll_gcds(a.denominator(), b.numerator());
   auto& [n, d] = room_for_result(a);
   multiply(n, d, a.numerator(), a.denominator(), b.denominator(), b.numerator());
   make_denominator_positive(n, d);

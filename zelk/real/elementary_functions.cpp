@@ -26,7 +26,10 @@ constexpr long spare_bits = 4;
 /// What an answer may cost, and how near it has to be.
 class Goal {
  public:
-  Goal(Accuracy wanted, double max_bits) : accuracy(wanted), most_bits(max_bits) {
+  enum class Way { direct, by_chord };
+
+  Goal(Accuracy wanted, double max_bits, Way function_way = Way::direct)
+      : accuracy(wanted), most_bits(max_bits), way(function_way) {
     require_room(static_cast<double>(tolerance_bits()));
   }
 
@@ -46,12 +49,14 @@ class Goal {
   bool is_relative() const { return accuracy.is_relative(); }
 
   void require_room(double bits) const {
-    if (bits > most_bits) throw TooLong(beyond_limit);
+    real::require_room(bits, most_bits,
+                       way == Way::direct ? room_on_the_way : room_for_chords(bits));
   }
 
  private:
   Accuracy accuracy;
   double most_bits;
+  Way way;
 };
 
 /// A value of a function, and how far an answer's end may lie outside.
@@ -92,7 +97,8 @@ Value enclose(Goal const& goal, At const& at, long exponent = 0) {
     if (bounds.is_point()) return {std::move(bounds), {}};
     return {kept_apart(bounds, bits), goal.slack()};
   }
-  goal.require_room(static_cast<double>(bits) + std::abs(static_cast<double>(exponent)));
+  // Beyond 1 the leading bits are the value's own, below it they follow its zeros.
+  goal.require_room(static_cast<double>(exponent > 0 ? std::max(bits, exponent) : bits - exponent));
   for (long more = bits + 64, needed = bits - exponent;; more *= 2) {
     auto bounds = at(needed);
     if (bounds.is_point()) return {std::move(bounds), {}};
@@ -219,7 +225,7 @@ Interval ElementaryFunctions::root(Interval const& x, unsigned long degree, Accu
 }
 
 Interval ElementaryFunctions::sin(Interval const& x, Accuracy accuracy) {
-  Goal const goal(accuracy, most_bits);
+  Goal const goal(accuracy, most_bits, Goal::Way::by_chord);
   return wave_image(x, 1, *constants, [&](QNumber const& point) {
     return within({-1, 1},
                   enclose(goal, [&](long bits) { return sin_at(point, bits, *constants); }));
@@ -227,7 +233,7 @@ Interval ElementaryFunctions::sin(Interval const& x, Accuracy accuracy) {
 }
 
 Interval ElementaryFunctions::cos(Interval const& x, Accuracy accuracy) {
-  Goal const goal(accuracy, most_bits);
+  Goal const goal(accuracy, most_bits, Goal::Way::by_chord);
   return wave_image(x, 0, *constants, [&](QNumber const& point) {
     return within({-1, 1},
                   enclose(goal, [&](long bits) { return cos_at(point, bits, *constants); }));
@@ -235,7 +241,7 @@ Interval ElementaryFunctions::cos(Interval const& x, Accuracy accuracy) {
 }
 
 Interval ElementaryFunctions::tan(Interval const& x, Accuracy accuracy) {
-  Goal const goal(accuracy, most_bits);
+  Goal const goal(accuracy, most_bits, Goal::Way::by_chord);
   if (!x.is_point() && QuarterTurns(x, *constants).include(1, 2))
     refuse("tan of an interval that holds a pole");
   return monotone_image(x, true, [&](QNumber const& point) {
@@ -245,7 +251,7 @@ Interval ElementaryFunctions::tan(Interval const& x, Accuracy accuracy) {
 
 Interval ElementaryFunctions::asin(Interval const& x, Accuracy accuracy) {
   if (!Interval(-1, 1).contains(x)) refuse("asin of what lies beyond -1 and 1");
-  Goal const goal(accuracy, most_bits);
+  Goal const goal(accuracy, most_bits, Goal::Way::by_chord);
   return monotone_image(x, true, [&](QNumber const& point) {
     return enclose(goal, [&](long bits) { return asin_at(point, bits, *constants); });
   });
@@ -253,14 +259,14 @@ Interval ElementaryFunctions::asin(Interval const& x, Accuracy accuracy) {
 
 Interval ElementaryFunctions::acos(Interval const& x, Accuracy accuracy) {
   if (!Interval(-1, 1).contains(x)) refuse("acos of what lies beyond -1 and 1");
-  Goal const goal(accuracy, most_bits);
+  Goal const goal(accuracy, most_bits, Goal::Way::by_chord);
   return monotone_image(x, false, [&](QNumber const& point) {
     return enclose(goal, [&](long bits) { return acos_at(point, bits, *constants); });
   });
 }
 
 Interval ElementaryFunctions::atan(Interval const& x, Accuracy accuracy) {
-  Goal const goal(accuracy, most_bits);
+  Goal const goal(accuracy, most_bits, Goal::Way::by_chord);
   return monotone_image(x, true, [&](QNumber const& point) {
     return enclose(goal, [&](long bits) { return atan_at(point, bits, *constants); });
   });

@@ -25,8 +25,9 @@ inline constexpr long answer_margin_bits = 32;
 /// tanh lies beyond 1 and -1, and none of cosh below 1.
 ///
 /// A function that is not defined on all of x throws `Undefined`, and where that is a division by 0
-/// `DivisionByZero`: nothing is clipped. `TooLong` is thrown, before the work, when a result would
-/// have more than `max_bits` bits, as exp(10^10) would, or its exponent would.
+/// `DivisionByZero`: nothing is clipped. `TooLong` is thrown, before the work, when an
+/// answer would take more than about `max_bits` bits of memory, as exp(10^9) would: 32 times its
+/// length, and for sines, cosines, arcs and their like more.
 ///
 /// pi and log 2 are kept at the best precision that a call needed, so an object is for one thread
 /// at a time; distinct objects may be used by distinct threads.

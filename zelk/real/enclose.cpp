@@ -8,6 +8,7 @@
 #include "zelk/approx/convergents.h"
 #include "zelk/approx/simplest.h"
 #include "zelk/numbers/functions.h"
+#include "zelk/numbers/integer.h"
 #include "zelk/real/internal/refinement.h"
 
 namespace zelk::real {
@@ -25,7 +26,23 @@ class Tolerance {
         is_relative(wanted.is_relative()),
         most_digits(most) {}
 
-  bool is_kept_by(Interval const& bounds) const { return bounds.width() <= allowed(bounds); }
+  /// Short ends have long gcds, which only a number in lowest terms needs.
+  bool is_kept_by(Interval const& bounds) const {
+    if (!bounds.lower().is_big() && !bounds.upper().is_big())
+      return bounds.width() <= allowed(bounds);
+    if (is_relative && bounds.sign() == 0) return false;
+    auto const& nearest = bounds.sign() < 0 ? bounds.upper() : bounds.lower();
+    Integer width, divisor;
+    mpz_mul(width, bounds.upper().numerator(), bounds.lower().denominator());
+    mpz_submul(width, bounds.lower().numerator(), bounds.upper().denominator());
+    mpz_mul(width, width, unit.denominator());
+    mpz_mul(divisor, bounds.upper().denominator(), bounds.lower().denominator());
+    if (is_relative) {
+      mpz_mul(width, width, nearest.denominator());
+      mpz_mul(divisor, divisor, nearest.numerator());
+    }
+    return mpz_cmpabs(width, divisor) <= 0;
+  }
 
   /// A half of what is allowed is left for short ends.
   bool is_narrow(Interval const& enclosure) const {

@@ -1,6 +1,7 @@
 #include "zelk/approx/internal/chudnovsky.h"
 
 #include "zelk/numbers/integer.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -38,6 +39,7 @@ void sum_terms(Part& part, unsigned long begin, unsigned long end) {
   sum_terms(part, begin, middle);
   Part right;
   sum_terms(right, middle, end);
+  work::poll(4 * work::product(work::bits_of(right.q)));
   // t = t q' + p t'
   mpz_mul(part.t, part.t, right.q);
   mpz_addmul(part.t, part.p, right.t);
@@ -53,6 +55,7 @@ void sum_chudnovsky(mpz_ptr below, unsigned long bits) {
   Part part;
   sum_terms(part, 1, count);
   mpz_addmul_ui(part.t, part.q, first);
+  work::poll(3 * work::division(static_cast<double>(bits)));
 
   mpz_set_ui(below, 10005);
   mpz_mul_2exp(below, below, 2 * bits);

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "zelk/approx/internal/count_steps.h"
 #include "zelk/numbers/internal/fixed_number.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -53,6 +53,7 @@ QNumber ConvergentWalk::compute_folded() {
 
 QNumber const& ConvergentWalk::compute() {
   auto const& [q, prec] = static_cast<std::pair<QNumber const&, unsigned> const&>(key);
+  work::poll(10 * work::pass(work::bits_of(q.numerator())), 1);
   // Each convergent after the first would ask for the expansion once more, and offer it to a table
   // that has it: the load check is what such an offer does.
   if (recurrence) {
@@ -61,7 +62,6 @@ QNumber const& ConvergentWalk::compute() {
     auto expansion = owner.get_cf(q, prec);
     recurrence.emplace(std::move(expansion), owner.cf_cache.find(q).node->value.first);
   }
-  count_steps(1);
   recurrence->advance(prec);
   std::size_t index;
   RationalApproximator::ApproxCache::Bucket* node;

@@ -4,6 +4,7 @@
 #include <cassert>
 
 #include "zelk/approx/internal/leading_part.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -43,6 +44,7 @@ void IntervalExpansion::split_all() {
     mp_bitcnt_t const bits = std::max(bits_of(lower), bits_of(upper));
     // Two calls with half of the bits leave about half of the bits.
     if (bits < part + part / 4 || part == 0) part = bits / 2;
+    poll_step(bits);
     bool const is_ahead = bits < recursion_bits ? split_leading_word() : split_leading(part);
     if (!is_ahead && !split()) return;
   }
@@ -72,6 +74,7 @@ bool IntervalExpansion::split_leading(mp_bitcnt_t bits) {
   around.split_all();
   if (around.prefix.is_identity()) return false;
   if (around.prefix.is_odd) around.lower.swap(around.upper);
+  work::poll(12 * work::product(static_cast<double>(bits)));
   take_off(around.prefix, lower, around.lower, lower_shift, downwards, scratch);
   take_off(around.prefix, upper, around.upper, upper_shift, upwards, scratch);
   append(around.prefix);

@@ -6,6 +6,7 @@
 
 #include "zelk/approx/internal/quotient_matrix.h"
 #include "zelk/approx/internal/ratio.h"
+#include "zelk/work/internal/poll.h"
 
 /// Intervals around ratios, made of their leading bits: the quotients that all numbers of an
 /// interval share are those of the numbers in it. Proofs: docs/mathematics.md, section 13.
@@ -19,6 +20,12 @@ struct WordRatio {
 // ratio stays above or below the true one.
 inline constexpr WordRatio downwards{0, 1};
 inline constexpr WordRatio upwards{1, 0};
+
+/// Before a step of an expansion by words, with parts of so many bits.
+inline void poll_step(mp_bitcnt_t bits) {
+  if (bits > GMP_NUMB_BITS * work::most_unasked_limbs)
+    work::poll(8 * work::pass(static_cast<double>(bits)));
+}
 
 /// The greater of the two parts' lengths.
 mp_bitcnt_t bits_of(Ratio const& x);

@@ -1,9 +1,9 @@
 #include "zelk/approx/internal/machin.h"
 
 #include "zelk/approx/internal/common_denominator.h"
-#include "zelk/approx/internal/count_steps.h"
 #include "zelk/numbers/integer.h"
 #include "zelk/numbers/internal/leading_bits.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -26,7 +26,7 @@ Bounds continue_machin(mpz_srcptr reciprocal, unsigned k, QNumber const& power_5
   put_over(d, power_239, b);
   put_over(d, sum, s);
   for (;;) {
-    count_steps(1);
+    work::poll(10 * work::pass(work::bits_of(d)), 1);
     ++k;
     unsigned long const odd = 2UL * k + 1;
     unsigned long const factor = step_5 * step_239 * odd;

@@ -2,11 +2,11 @@
 
 #include <cassert>
 
-#include "zelk/approx/internal/count_steps.h"
 #include "zelk/approx/internal/power_terms.h"
 #include "zelk/approx/internal/tolerance.h"
 #include "zelk/numbers/integer.h"
 #include "zelk/numbers/internal/leading_bits.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -55,6 +55,11 @@ unsigned idle_steps(PowerTerms const& series, QNumber const& x, mpz_srcptr recip
   return certain > patience ? certain - 2 : 0;
 }
 
+/// Before a step by so many terms: for each a few passes over the digits.
+void poll_step(PowerTerms const& terms, unsigned count) {
+  work::poll(5 * count * work::pass(work::bits_of(terms.denominator())), count);
+}
+
 /// Takes `sum_exp` over after its test of k, when T_k and S_k are in big form, and with them the
 /// result of every operation to come: the same tests, decided on integers.
 ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber const& term,
@@ -67,7 +72,7 @@ ApproxData continue_exp(QNumber const& x, mpz_srcptr reciprocal, int k, QNumber 
   int sign_before = previous.sign();
   int sign = sum.sign();
   auto const step = [&](PowerTerms& terms) {
-    count_steps(1);
+    poll_step(terms, 1);
     terms.accumulate(0, false);
     ++k;
     QNumber const factor = x / QNumber(k);
@@ -126,7 +131,7 @@ ApproxData continue_sin(QNumber const& x, mpz_srcptr reciprocal, unsigned n, boo
     terms.advance(p, below);
   };
   auto const step = [&](PowerTerms& terms) {
-    count_steps(2);
+    poll_step(terms, 2);
     n += 2;
     terms.accumulate(1, negated);
     advance_to(terms, n);

@@ -4,6 +4,7 @@
 
 #include "zelk/approx/internal/interval_expansion.h"
 #include "zelk/approx/internal/leading_part.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -53,6 +54,7 @@ bool NarrowExpansion::split_all() {
     set_rest(other, width);
     mp_bitcnt_t const bits = bits_of(end);
     if (bits < part + part / 4 || part == 0) part = bits / 2;
+    poll_step(bits);
     is_ahead = bits < words_up_to ? split_leading_word() : split_leading(part);
   }
   return true;
@@ -80,6 +82,7 @@ bool NarrowExpansion::split_leading(mp_bitcnt_t bits) {
   auto const& matrix = around.prefix;
   if (matrix.is_identity()) return false;
   if (matrix.is_odd) around.lower.swap(around.upper);
+  work::poll(8 * work::product(static_cast<double>(bits)));
   take_off(matrix, end, leading, shift, if_cut, scratch);
   append_to_row(k, k0, matrix, scratch);
   is_odd = is_odd != matrix.is_odd;

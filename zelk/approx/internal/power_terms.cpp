@@ -6,6 +6,7 @@
 #include "zelk/approx/internal/common_denominator.h"
 #include "zelk/numbers/internal/leading_bits.h"
 #include "zelk/numbers/internal/lower_bound.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::na {
 
@@ -39,6 +40,7 @@ void PowerTerms::accumulate(std::size_t i, bool negated) {
 }
 
 void PowerTerms::append(PowerTerms const& run) {
+  work::poll(6 * work::product(work::bits_of(run.d)));
   j += run.j;
   for (std::size_t i = 0; i < sums.size(); ++i) {
     mpz_mul(sums[i], sums[i], run.d);
@@ -73,6 +75,7 @@ QNumber PowerTerms::reduced(mpz_srcptr numerator, mpz_srcptr q, unsigned missing
   Integer denominator(d.get());
   Integer common;
   auto const cancel = [&] {
+    work::poll(2 * work::gcd(work::bits_of(denominator)));
     mpz_divexact(n, n, common);
     mpz_divexact(denominator, denominator, common);
   };

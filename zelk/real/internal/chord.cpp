@@ -5,6 +5,7 @@
 #include <cassert>
 
 #include "zelk/real/internal/limb_buffer.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::real {
 
@@ -41,6 +42,7 @@ class Powers {
 
   /// u^k, from those before it. Requires: 2n limbs of scratch.
   void set_product(unsigned long k, mp_limb_t* scratch) {
+    work::poll_products(n);
     unsigned long const i = k / 2;
     mp_size_t const size = n - zeros(i);
     mp_size_t const other_size = n - zeros(k - i);
@@ -129,6 +131,7 @@ void sum_series(mp_limb_t* sum, Powers const& power, Plan const& plan, mp_limb_t
     if (k < start) {
       start -= plan.run;
       mp_size_t const longer = plan.length(start);
+      work::poll_products(longer, 2);  // this one, and the passes of a run
       next_run(sum, length, longer, power, plan, scratch);
       length = longer;
     }
@@ -144,6 +147,7 @@ void sum_series(mp_limb_t* sum, Powers const& power, Plan const& plan, mp_limb_t
 
 /// f = f (4 ± f). Requires: 2n + 3 limbs of scratch.
 void double_argument(mp_limb_t* f, Plan const& plan, mp_limb_t* scratch) {
+  work::poll_products(plan.n);
   mp_size_t const size = plan.n + (f[plan.n] != 0 ? 1 : 0);
   mpn_sqr(scratch, f, size);
   scratch[2 * size] = 0;

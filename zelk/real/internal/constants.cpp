@@ -2,6 +2,7 @@
 
 #include "zelk/approx/short_bounds.h"
 #include "zelk/real/internal/fixed_point.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::real {
 
@@ -24,6 +25,7 @@ void sum_run(Run& run, unsigned long square, unsigned long begin, unsigned long 
   sum_run(run, square, begin, middle);
   Run right;
   sum_run(right, square, middle, end);
+  work::poll(5 * work::product(work::bits_of(right.power)));
   // s/(p o) + 1/p s'/(p' o') = (s p' o' + s' o)/(p p' o o')
   mpz_mul(run.sum, run.sum, right.odd);
   mpz_mul(run.sum, run.sum, right.power);
@@ -38,6 +40,7 @@ void sum_atanh(mpz_ptr below, unsigned long n, unsigned long bits) {
   unsigned long const bits_each = 2 * (mpz_sizeinbase(Integer(n), 2) - 1);
   Run run;
   sum_run(run, n * n, 0, bits / bits_each + 1);
+  work::poll(work::division(static_cast<double>(bits)));
   mpz_mul(run.odd, run.odd, run.power);
   mpz_mul_ui(run.odd, run.odd, n);
   mpz_mul_2exp(run.sum, run.sum, bits);

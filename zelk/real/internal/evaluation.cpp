@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "zelk/real/internal/kinds.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::real {
 
@@ -84,6 +85,7 @@ std::variant<Evaluated, Undecided> evaluate(Expression const& expression,
     auto const& row = row_of(kind);
     Operands const operands(values.end() - row.arity, values.end());
     SignsOf const signs_of_operands(signs.end() - row.arity, signs.end());
+    work::poll(work::pass(512));
     try {
       auto value = row.evaluate(precision, operands);
       auto const formal = row.signs(signs_of_operands);

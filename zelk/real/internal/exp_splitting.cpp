@@ -6,6 +6,7 @@
 
 #include "zelk/numbers/integer.h"
 #include "zelk/real/internal/fixed_point.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::real {
 
@@ -25,9 +26,13 @@ class Splitting {
   void sum(mpz_ptr out, unsigned long bits) {
     powers = std::make_unique<Integer[]>(levels + 1);
     mpz_pow_ui(powers[0], numerator, leaf);
-    for (unsigned i = 1; i < levels; ++i) mpz_mul(powers[i], powers[i - 1], powers[i - 1]);
+    for (unsigned i = 1; i < levels; ++i) {
+      work::poll(work::product(work::bits_of(powers[i - 1])));
+      mpz_mul(powers[i], powers[i - 1], powers[i - 1]);
+    }
     Integer q;
     sum_run(out, q, 0, levels);
+    work::poll(work::division(static_cast<double>(bits)));
     real::shift(out, out, static_cast<long>(bits) - static_cast<long>(shift * (leaf << levels)));
     mpz_fdiv_q(out, out, q);
   }
@@ -57,6 +62,7 @@ class Splitting {
     sum_run(t, q, begin, level - 1);
     Integer right_t, right_q;
     sum_run(right_t, right_q, begin + half, level - 1);
+    work::poll(3 * work::product(work::bits_of(right_t)));
     // t/q = t1/q1 + x^half/q1 t2/q2
     mpz_mul(t, t, right_q);
     mpz_mul_2exp(t, t, shift * half);
@@ -97,6 +103,7 @@ void exp_in_bursts(mpz_ptr out, mpz_srcptr x, unsigned long bits) {
     mpz_tdiv_q_2exp(part, rest, bits - place);
     mpz_tdiv_r_2exp(rest, rest, bits - place);
     if (mpz_sgn(part.get()) == 0) continue;
+    work::poll(work::product(static_cast<double>(bits)));
     // e^part - 1
     unsigned long const zeros = mpz_scan1(part, 0);
     mpz_tdiv_q_2exp(part, part, zeros);

@@ -4,6 +4,7 @@
 #include "zelk/real/internal/chord.h"
 #include "zelk/real/internal/exp_splitting.h"
 #include "zelk/real/internal/word_functions.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::real {
 
@@ -29,6 +30,7 @@ void add_arc(mpz_ptr sum, mpz_ptr d, mp_size_t n, bool is_alternating, unsigned 
     else
       mpz_addmul_ui(sum, term, factor);
     if (mpz_sgn(square) == 0) return;
+    work::poll_products(n, 1);
     mpz_mul(d, d, square);
     mpz_tdiv_q_2exp(d, d, bits_of(n));
     if (mpz_sgn(d) == 0) return;
@@ -37,6 +39,7 @@ void add_arc(mpz_ptr sum, mpz_ptr d, mp_size_t n, bool is_alternating, unsigned 
 
 /// n/d over 2^(64 n)
 void divide(mpz_ptr n, mpz_srcptr d, mp_size_t limbs) {
+  work::poll_products(limbs, 4);
   mpz_mul_2exp(n, n, bits_of(limbs));
   mpz_tdiv_q(n, n, d);
 }
@@ -56,6 +59,7 @@ void exp_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n) {
   mpz_set_ui(root, 4);
   mpz_mul_2exp(root, root, bits_of(n));
   mpz_add(root, root, w);
+  work::poll_products(n, 5);
   mpz_mul(root, root, w);
   mpz_sqrt(root, root);
   mpz_add(root, root, w);
@@ -106,6 +110,7 @@ void atan_fixed(mpz_ptr out, mpz_srcptr x, mp_size_t n) {
     chord_squared(v, y, n, Chord::circular);
     mpz_setbit(sin, bits_of(n) + 2);
     mpz_sub(sin, sin, v);
+    work::poll_products(n, 7);
     mpz_mul(sin, sin, v);
     mpz_sqrt(sin, sin);  // twice the sine
     mpz_setbit(cos, bits_of(n) + 1);

@@ -13,8 +13,6 @@ namespace zelk::real {
 
 namespace {
 
-constexpr double room_for_products = 8;
-
 // Numbers of a million bits, and beyond that such as are no longer than what precision takes.
 constexpr double always_short = 1 << 20;
 constexpr double short_for_precision = 16;
@@ -40,7 +38,7 @@ Precision::Precision(ElementaryFunctions& functions, unsigned long wanted, bool 
   double const wanted_bits = bits_of_digits(wanted);
   bits = static_cast<long>(wanted_bits);
   unit = zelk::pow(10, -static_cast<long>(wanted));
-  double const room = functions.max_bits() / room_for_products;
+  double const room = functions.max_bits() / room_on_the_way;
   exact_bits = std::min(room, std::max(always_short, short_for_precision * wanted_bits));
   most_zeros = keep_zeros ? room : exact_bits;
 }
@@ -52,7 +50,7 @@ void Precision::require_digits(ElementaryFunctions const& functions, unsigned lo
 }
 
 void Precision::require_room(ElementaryFunctions const& functions, double result_bits) {
-  if (result_bits * room_for_products > functions.max_bits()) throw TooLong(beyond_limit);
+  real::require_room(result_bits, functions.max_bits());
 }
 
 /// Outward, to `bits` bits below the magnitude of x, or below 2^least_magnitude if that is greater.

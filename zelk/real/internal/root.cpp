@@ -4,6 +4,7 @@
 #include "zelk/numbers/integer.h"
 #include "zelk/real/internal/fixed_point.h"
 #include "zelk/real/internal/point_functions.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::real {
 
@@ -46,7 +47,10 @@ Interval root_at(QNumber const& x, unsigned long degree, long bits, Constants& c
   if (auto const root = rational_root(x, degree)) return *root;
   if (degree >= high_degree) return root_by_logarithm(x, degree, bits, constants);
   Integer below, above;
-  floor_scaled(below, x, (bits + 1) * static_cast<long>(degree));
+  long const places = (bits + 1) * static_cast<long>(degree);
+  if (places > GMP_NUMB_BITS * work::most_unasked_limbs)
+    work::poll(2 * work::division(static_cast<double>(places)));
+  floor_scaled(below, x, places);
   if (degree == 2)
     mpz_sqrt(below, below);
   else

@@ -1,0 +1,26 @@
+#include "zelk/real/internal/limit.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "zelk/real/errors.h"
+
+namespace zelk::real {
+
+double room_for_chords(double bits) {
+  // About 2.2 n^(1/3) powers of n limbs: see `Plan` in chord.cpp.
+  return room_on_the_way + 2.2 * std::cbrt(bits / 64);
+}
+
+void require_room(double bits, double max_bits, double times) {
+  if (bits * times <= max_bits) return;
+  char text[160];
+  std::snprintf(
+      text, sizeof text,
+      "a result of %.2g bits would take %.2g on the way, more bits than the limit allows: "
+      "%.3g",
+      bits, bits * times, max_bits);
+  throw TooLong(text);
+}
+
+}  // namespace zelk::real
