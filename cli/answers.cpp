@@ -48,9 +48,11 @@ void Answers::compute(Item& item) {
   query.places = places_of(query, style);
   double const bits = settings.limits.check(query).held;
   if (kept + bits > share) let_go();
-  auto const answered = solver.answer_within(share - kept, query, bits, proof_of(style));
-  item.answer = to_output(item.query, query, answered, style, " ", "; ");
-  item.note = note_on(query, answered.answer);
+  settings.limits.within([&] {
+    auto const answered = solver.answer_within(share - kept, query, bits, proof_of(style));
+    item.answer = to_output(item.query, query, answered, style, " ", "; ");
+    item.note = note_on(query, answered.answer);
+  });
 }
 
 void Answers::keep(Item const& item) {

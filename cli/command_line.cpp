@@ -69,6 +69,8 @@ class CommandLine {
   std::string max_digits = std::to_string(settings.limits.max_digits);
   std::string max_bits = std::to_string(static_cast<long>(settings.limits.max_bits));
   std::string max_memory;
+  std::string max_time;
+  std::string max_work;
   BatchOptions batch;
   std::string jobs = "1";
   PlotOptions plot;
@@ -173,6 +175,11 @@ CommandLine::CommandLine() {
   add_option(app, "--max-memory", max_memory, "SIZE",
              "The same limit in bytes; K, M, G or T may follow, as in 4G; not\n"
              "with --max-bits");
+  add_option(app, "--max-time", max_time, "SECONDS", "Give up a query that takes longer");
+  add_option(app, "--max-work", max_work, "N",
+             "Give up a query that takes more than N units of work, of which a\n"
+             "product of B bits takes B^1.5: some 10^11 a second, and the same on\n"
+             "every machine");
   app.option_defaults()->group("Options");
 
   for (auto const& function : all_functions()) add_query(function);
@@ -307,6 +314,8 @@ void CommandLine::read_settings() {
     if (app.count("--max-bits") != 0) refuse("--max-bits excludes --max-memory");
     settings.limits.max_bits = parse_memory(max_memory);
   }
+  if (app.count("--max-time") != 0) settings.limits.max_seconds = parse_quantity(max_time);
+  if (app.count("--max-work") != 0) settings.limits.max_work = parse_quantity(max_work);
   if (settings.style.places > settings.limits.max_digits)
     refuse("--digits-out " + places + " is more than --max-digits " +
            std::to_string(settings.limits.max_digits));
@@ -352,11 +361,15 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
                            line.c_str(), is_long ? "..." : "", seconds, far);
     });
     auto const& style = settings.style;
-    auto const answered =
-        Solver(settings.limits)
-            .answer_within(settings.limits.max_bits, query, demand.held, proof_of(style));
-    print({to_output(line, query, answered, style, "\n", "\n"), "\n"});
-    if (auto const* const note = note_on(query, answered.answer)) complain({note});
+    auto const [text, note] = settings.limits.within([&] {
+      auto const answered =
+          Solver(settings.limits)
+              .answer_within(settings.limits.max_bits, query, demand.held, proof_of(style));
+      return std::pair(to_output(line, query, answered, style, "\n", "\n"),
+                       note_on(query, answered.answer));
+    });
+    print({text, "\n"});
+    if (note != nullptr) complain({note});
     return 0;
   } catch (Refusal const& refusal) {
     if (settings.style.json) {

@@ -1,6 +1,7 @@
 #include "cli/limits.h"
 
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <iterator>
@@ -8,6 +9,7 @@
 #include <system_error>
 
 #include "cli/functions.h"
+#include "zelk/convert/machine.h"
 #include "zelk/convert/text.h"
 
 namespace zelk::cli {
@@ -55,6 +57,33 @@ void Limits::check(Demand const& demand) const {
                 holds ? "take" : "work through", bytes(bits).text, bits,
                 holds ? "" : "a thousand times ", bytes(max_bits).text, max_bits);
   refuse(text);
+}
+
+work::Limits Limits::of_work() const {
+  work::Limits limits{.work = max_work};
+  // Beyond a century no clock is asked.
+  if (constexpr double century = 3e9; max_seconds < century)
+    limits.deadline = std::chrono::steady_clock::now() +
+                      std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                          std::chrono::duration<double>(max_seconds));
+  return limits;
+}
+
+void Limits::tell(work::Stopped const& stopped) const {
+  char text[160];
+  if (stopped.reason() == work::Reason::deadline)
+    std::snprintf(text, sizeof text, "not done in %g seconds (--max-time), by %.3g units of work",
+                  max_seconds, stopped.work());
+  else
+    std::snprintf(text, sizeof text, "takes more than %g units of work (--max-work)", max_work);
+  refuse(text);
+}
+
+double parse_quantity(std::string_view text) {
+  auto const value = convert::to_double(parse_number(Word{text}), convert::Rounding::nearest);
+  if (!(value > 0))
+    throw Refusal(Refusal::Kind::malformed, convert::quoted(text) + ": expected a positive number");
+  return value;
 }
 
 double parse_memory(std::string_view text) {

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "python/src/allowance.h"
 #include "zelk/convert/text.h"
 #include "zelk/numbers/errors.h"
 
@@ -18,13 +19,16 @@ namespace py = pybind11;
   throw py::error_already_set();
 }
 
-/// What `compute` returns; other threads of Python go on meanwhile. `input` tells in messages what
-/// it was computed from.
+/// What `compute` returns; other threads of Python go on meanwhile, and an interrupt is seen.
+/// `input` tells in messages what it was computed from.
 template <class Input, class Compute>
 auto compute(Input const& input, Compute const& compute) {
   try {
+    Watched const watched;
     py::gil_scoped_release const release;
     return compute();
+  } catch (work::Stopped const& stopped) {
+    Watched::raise(stopped, input());
   } catch (DivisionByZero const& error) {
     raise(PyExc_ZeroDivisionError, input(), error.what());
   } catch (std::domain_error const& error) {

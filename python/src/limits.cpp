@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "python/src/allowance.h"
+
 namespace zelk::python {
 namespace {
 
@@ -13,7 +15,10 @@ std::atomic<double> max_bits = Limits{}.max_bits;
 
 }  // namespace
 
-Limits Limits::get() { return {python::max_digits, python::max_bits}; }
+Limits Limits::get() {
+  double const of_block = max_bits_of_block();
+  return {python::max_digits, of_block != 0 ? of_block : python::max_bits.load()};
+}
 
 void Limits::set(Limits const& limits) {
   python::max_digits = limits.max_digits;

@@ -21,7 +21,7 @@ void require_limits(cli::Query const& query, cli::Demand const& demand);
 /// The same of the demand that `estimate` finds.
 template <class Estimate>
 void require_limits(cli::Query const& query, Estimate const& estimate) {
-  require_limits(query, estimate(query, 0));
+  require_limits(query, estimate(query));
 }
 
 }  // namespace zelk::python

@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "python/src/allowance.h"
 #include "python/src/arguments.h"
 #include "python/src/convert.h"
 #include "python/src/intervals.h"
@@ -35,6 +36,7 @@ void define(py::module_& module) {
   import_names();
   module.attr("version") = ZELK_VERSION_STRING;
   define_intervals(module);
+  define_allowance(module);
   define_questions(module);
   define_solver(module);
   module.def("limits", &limits);

@@ -76,6 +76,18 @@ struct Question {
   cli::Query query;
 };
 
+/// Sets a mark while it lives.
+class InUse {
+ public:
+  explicit InUse(bool& its_mark) : mark(its_mark) { mark = true; }
+  InUse(InUse const&) = delete;
+  InUse& operator=(InUse const&) = delete;
+  ~InUse() { mark = false; }
+
+ private:
+  bool& mark;
+};
+
 /// What `answer` finds by functions that have kept nothing, or nothing but the first digits of pi
 /// and log 2; answers do not depend on that.
 template <class Answer>
@@ -83,9 +95,13 @@ auto ask_functions(Question const& question, Answer const& answer) {
   return ask([&] { return question.shown(); }, question.query, cli::demand_of_expression,
              [&] {
                // What is usual and within the limits is far from all that functions may be limited
-               // to.
+               // to. A handler of a signal may ask while they are in use.
                thread_local real::ElementaryFunctions usual;
-               if (question.is_usual()) return answer(usual);
+               thread_local bool is_in_use = false;
+               if (question.is_usual() && !is_in_use) {
+                 InUse const in_use(is_in_use);
+                 return answer(usual);
+               }
                real::ElementaryFunctions functions(Limits::get().max_bits);
                return answer(functions);
              });

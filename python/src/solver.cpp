@@ -1,11 +1,17 @@
 #include "python/src/solver.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <climits>
 #include <functional>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -22,6 +28,7 @@
 #include "zelk/approx/rational_approximator.h"
 #include "zelk/certify/prove.h"
 #include "zelk/certify/write.h"
+#include "zelk/work/internal/poll.h"
 
 namespace zelk::python {
 namespace {
@@ -32,7 +39,7 @@ using Bounds = Series::Bounds;
 /// All that is known here of one kind of bounds.
 struct Function {
   std::string_view name;
-  cli::Demand (&demand)(cli::Query const& query, unsigned places);
+  cli::Demand (&demand)(cli::Query const& query);
   bool (*is_kept)(Series& series, QNumber const& x, unsigned digits);
   Bounds (*bounds)(Series& series, QNumber const& x, unsigned digits);
   verify::Certificate (*certify)(Series& series, QNumber const& x, unsigned digits,
@@ -86,6 +93,31 @@ std::string described(std::string const& name, py::handle number, unsigned digit
 
 /// Approximators that one thread uses at a time, while others wait.
 class Solver {
+  /// The turn of a thread to ask. Those that wait for it can be stopped.
+  class Turn {
+   public:
+    explicit Turn(Solver& its_solver) : solver(its_solver) {
+      if (solver.asker == std::this_thread::get_id())
+        throw std::logic_error("the solver is answering a question of this thread");
+      while (!solver.mutex.try_lock_for(std::chrono::milliseconds(20))) {
+        if (solver.process != getpid())
+          throw std::logic_error("the process was forked while the solver was answering");
+        work::poll(0);
+      }
+      solver.asker = std::this_thread::get_id();
+      solver.process = getpid();
+    }
+    Turn(Turn const&) = delete;
+    Turn& operator=(Turn const&) = delete;
+    ~Turn() {
+      solver.asker = std::thread::id();
+      solver.mutex.unlock();
+    }
+
+   private:
+    Solver& solver;
+  };
+
   /// Whether the limits have been held against the question before.
   static bool is_never_kept(QNumber const&) { return false; }
 
@@ -95,7 +127,7 @@ class Solver {
   auto ask(Input const& input, cli::Query const& query, Estimate const& estimate,
            IsKept const& is_kept, Answer const& answer) {
     return compute(input, [&] {
-      std::lock_guard const lock(mutex);
+      Turn const turn(*this);
       QNumber const& x = query.numbers[0];
       if (!is_kept(x)) require_limits(query, estimate);
       return answer(x);
@@ -160,7 +192,9 @@ class Solver {
  private:
   na::RationalApproximator rational;
   Series series{rational};
-  std::mutex mutex;
+  std::timed_mutex mutex;
+  std::atomic<std::thread::id> asker;
+  std::atomic<pid_t> process = 0;
 };
 
 /// That the bounds of a solver, which are found once more, hold what they are bounds of.

@@ -14,11 +14,11 @@ between them.
     [3, 7, 15, 1, 292]
 
 Nothing that grows is kept from one call to the next; a Solver keeps its answers. Other threads of
-Python go on while a question is answered. An interrupt (Ctrl-C) is seen as soon as it has been.
+Python go on while a question is answered. An interrupt (Ctrl-C) ends it, and limits(seconds=...) does.
 
 Errors are Python's own. ValueError: a text that means nothing, or a function at a place where it has
 no value. ZeroDivisionError: a division by 0. OverflowError: an answer would be beyond the limits, which
-set_limits changes. TypeError: no rational number.
+set_limits changes. Stopped: it took longer than limits(...) allow. TypeError: no rational number.
 """
 
 from zelk._certificate import check
@@ -37,14 +37,16 @@ from zelk._functions import (
     sin,
     terms,
 )
-from zelk._limits import Limits, get_limits, set_limits
+from zelk._limits import Limits, get_limits, limits, set_limits
 from zelk._solver import Solver
+from zelk._core import Stopped
 from zelk._core import version as __version__
 
 __all__ = [
     "Enclosure",
     "Limits",
     "Solver",
+    "Stopped",
     "atan",
     "best",
     "check",
@@ -53,6 +55,7 @@ __all__ = [
     "evaluate",
     "exp",
     "get_limits",
+    "limits",
     "log",
     "pi",
     "root",

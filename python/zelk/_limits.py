@@ -1,6 +1,7 @@
 from __future__ import annotations
 
-from typing import NamedTuple, Optional
+from contextlib import contextmanager
+from typing import Iterator, NamedTuple, Optional
 
 from zelk import _core
 
@@ -10,6 +11,33 @@ class Limits(NamedTuple):
 
     max_digits: int
     max_bits: int
+
+
+@contextmanager
+def limits(
+    *,
+    seconds: Optional[float] = None,
+    work: Optional[float] = None,
+    bits: Optional[float] = None,
+) -> Iterator[None]:
+    """What the questions asked within the block may take: so many seconds by the clock from here on, and
+    so many units of work, all together; and bits of memory each, in the place of max_bits. A question
+    that goes beyond is given up with zelk.Stopped, and nothing is lost by it. Work is counted alike on
+    all machines: a product of numbers with b bits is b^1.5 units, and a second some 10^11.
+
+    >>> with zelk.limits(work=10**7):
+    ...     zelk.evaluate('log(3/2)/log(2)', 10000)
+    Traceback (most recent call last):
+        ...
+    zelk.Stopped: "log(3/2)/log(2)": not finished within its work: ... units of work were done
+
+    Blocks within each other hold all; other threads, and other tasks, have their own.
+    """
+    token = _core.allowance.set(_core.Allowance(seconds, work, bits))
+    try:
+        yield
+    finally:
+        _core.allowance.reset(token)
 
 
 def get_limits() -> Limits:

@@ -14,7 +14,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr auto question_interval = std::chrono::milliseconds(20);
+constexpr auto question_interval = std::chrono::milliseconds(50);
 
 std::string describe(Reason reason, double work) {
   char const* const why = reason == Reason::request    ? "stopped on request"

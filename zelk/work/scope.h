@@ -43,7 +43,7 @@ struct Limits {
   /// On request, which may come from any thread.
   std::stop_token stop = {};
 
-  /// Called now and then, every 20 ms or somewhat later, on the computing thread: true asks for a
+  /// Called now and then, every 50 ms or somewhat later, on the computing thread: true asks for a
   /// stop. It may throw in place of that, but not ask the objects that are computing.
   std::function<bool()> is_unwanted = nullptr;
 };
