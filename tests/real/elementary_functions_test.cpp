@@ -211,7 +211,7 @@ TEST(ElementaryFunctions, EncloseTheirImagesToManyDigits) {
 TEST(PointFunctions, EncloseAsNarrowlyAsPromised) {
   Oracle oracle(2500);
   Constants constants;
-  auto const expect = [&](Row const& row, char const* x, long bits) {
+  auto const expect = [&](Row const& row, std::string const& x, long bits) {
     auto const found = row.at(number(x), bits, constants);
     EXPECT_TRUE(oracle.puts(row, number(x), found) && found.width() <= zelk::pow(2, -bits))
         << row.name << ' ' << x << " to " << bits << " bits";
@@ -219,6 +219,7 @@ TEST(PointFunctions, EncloseAsNarrowlyAsPromised) {
   for (auto const& row : rows)
     for (long bits = 0; bits < 200; bits += 3)
       for (char const* const x : {"1/3", "10/11"}) expect(row, x, bits);
+  for (long bits = 0; bits < 100; ++bits) expect(rows[1], "13" + std::string(60000, '0'), bits);
   expect(rows[8], "153/536870912", 844);  // where a tangent's bits that are lost count
   for (long bits = 0; bits < 100; ++bits)
     EXPECT_LE(root_at(zelk::pow(3, 5000), 41, bits, constants).width(), zelk::pow(2, -bits));

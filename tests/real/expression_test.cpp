@@ -129,9 +129,10 @@ TEST_F(Expressions, AreExactWhereThatIsKnown) {
   std::istringstream rows(
       "(1 + 10^-50) - 1 = 1e-50; -2^2 = -4; 2^-1 = 0.5; 2^3^2 = 512; 8/4/2 = 1; 8-4-2 = 2; "
       "2*-3^2 = -18; --2 = 2; 2^-1^2*3 = 1.5; 1/3*[3, 3] = 1; sqrt(4) = 2; root(8, 3) = 2; "
-      "root(-8, 1+2) = -2; 4^(1/2) = 2; (4/9)^-1.5 = 3.375; (10^50)^(1/50) = 10; "
-      "((3/2)^99)^(-2/99) = 4/9; exp(0) + log(1) = 1; 0*exp(5) = 0; pi^0 = 1; "
-      "1^(10^100) = 1; (-1)^(10^100) = 1; 1^pi = 1; 4^sqrt(1/4) = 2; .5 + 5. + 5.e1 = 55.5");
+      "root(1, 9) = 1; root(-8, 1+2) = -2; 4^(1/2) = 2; (4/9)^-1.5 = 3.375; "
+      "(10^50)^(1/50) = 10; ((3/2)^999)^(-2/999) = 4/9; exp(0) + log(1) = 1; 0*exp(5) = 0; "
+      "pi^0 = 1; 1^(10^100) = 1; (-1)^(10^100) = 1; 1^pi = 1; 4^sqrt(1/4) = 2; .5 + 5. + 5.e1 = "
+      "55.5");
   for (std::string row; std::getline(rows, row, ';');) {
     auto const equals = row.find('=');
     auto const exact = parse_rational(row.substr(equals + 2));
@@ -302,10 +303,10 @@ TEST_F(Expressions, AreWrittenWithOperatorsAsInText) {
     EXPECT_EQ(built.numbers(), read.numbers()) << text;
   }
   using Kinds = std::vector<Kind>;
-  for (auto const& kinds : {Kinds{Kind::sum}, Kinds{}, Kinds{Kind::pi, Kind::pi}, Kinds{Kind{99}},
+  for (auto const& kinds : {Kinds{Kind::sum}, Kinds{}, Kinds{Kind::pi, Kind::pi},
+                            Kinds{Kind{static_cast<unsigned char>(Kind::tanh) + 1}},
                             Kinds{Kind::number}, Kinds{Kind::pi, Kind::sum}})
     EXPECT_THROW(Expression::from_postfix(kinds, {}), std::invalid_argument);
-  EXPECT_THROW(Expression::from_postfix({Kind::pi}, {1}), std::invalid_argument);
   Expression sum = 0;
   for (int i = 0; i < 100000; ++i) sum = std::move(sum) + 1;
   EXPECT_TRUE(enclose(functions, sum, 0).bounds == Interval(100000));

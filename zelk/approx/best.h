@@ -16,8 +16,8 @@ namespace zelk::na {
 /// Throws: std::domain_error unless limit is an integer from 1 on.
 /// Cost: with parts of n bits O(M(n) log n), where M(n) is the time of GMP's multiplication; no
 /// gcd. Source: docs/mathematics.md, section 13.
-ZELK_EXPORT QNumber best_below(QNumber const& q, QNumber const& limit);
-ZELK_EXPORT QNumber best_above(QNumber const& q, QNumber const& limit);
-ZELK_EXPORT QNumber best_nearest(QNumber const& q, QNumber const& limit);
+[[nodiscard]] ZELK_EXPORT QNumber best_below(QNumber const& q, QNumber const& limit);
+[[nodiscard]] ZELK_EXPORT QNumber best_above(QNumber const& q, QNumber const& limit);
+[[nodiscard]] ZELK_EXPORT QNumber best_nearest(QNumber const& q, QNumber const& limit);
 
 }  // namespace zelk::na

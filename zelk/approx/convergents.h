@@ -12,6 +12,6 @@ namespace zelk::na {
 ///
 /// Requires: the terms are integers as `RationalApproximator::get_cf` finds them.
 /// Cost: two products for each term. Source: docs/mathematics.md, section 3.
-ZELK_EXPORT std::vector<QNumber> convergents(std::vector<QNumber> const& terms);
+[[nodiscard]] ZELK_EXPORT std::vector<QNumber> convergents(std::vector<QNumber> const& terms);
 
 }  // namespace zelk::na

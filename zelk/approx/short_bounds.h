@@ -28,6 +28,6 @@ ZELK_EXPORT PowerSeriesApproximator::Bounds short_cos_bounds(PowerSeriesApproxim
 ///
 /// Cost: O(M(n) log^2 n) for n digits, where M(n) is the time of GMP's multiplication; memory
 /// linear. Source: docs/mathematics.md, section 14.
-ZELK_EXPORT PowerSeriesApproximator::Bounds short_pi_bounds(unsigned prec);
+[[nodiscard]] ZELK_EXPORT PowerSeriesApproximator::Bounds short_pi_bounds(unsigned prec);
 
 }  // namespace zelk::na

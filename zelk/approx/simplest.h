@@ -20,8 +20,8 @@ enum class Ends { closed, left_open, right_open, open };
 /// closed.
 /// Cost: with parts of n bits O(M(n) log n), where M(n) is the time of GMP's multiplication; no
 /// gcd. Source: docs/mathematics.md, section 13.
-ZELK_EXPORT QNumber simplest_between(QNumber const& lower, QNumber const& upper,
-                                     Ends ends = Ends::closed);
+[[nodiscard]] ZELK_EXPORT QNumber simplest_between(QNumber const& lower, QNumber const& upper,
+                                                   Ends ends = Ends::closed);
 
 /// The interval (lower, upper) with shorter ends: each is moved outward, by its slack at most, to
 /// the simplest number there, the lower one to the simplest in [lower - slack, lower], the upper
@@ -32,11 +32,11 @@ ZELK_EXPORT QNumber simplest_between(QNumber const& lower, QNumber const& upper,
 ///
 /// Throws: std::domain_error if lower > upper or a slack is negative.
 /// Cost: as `simplest_between`, once for what both ends have in common.
-ZELK_EXPORT std::pair<QNumber, QNumber> shortened(std::pair<QNumber, QNumber> const& bounds,
-                                                  QNumber const& slack);
-ZELK_EXPORT std::pair<QNumber, QNumber> shortened(std::pair<QNumber, QNumber> const& bounds,
-                                                  QNumber const& lower_slack,
-                                                  QNumber const& upper_slack);
+[[nodiscard]] ZELK_EXPORT std::pair<QNumber, QNumber> shortened(
+    std::pair<QNumber, QNumber> const& bounds, QNumber const& slack);
+[[nodiscard]] ZELK_EXPORT std::pair<QNumber, QNumber> shortened(
+    std::pair<QNumber, QNumber> const& bounds, QNumber const& lower_slack,
+    QNumber const& upper_slack);
 
 /// The partial quotients that the expansions of all numbers in [lower, upper] begin with: what an
 /// enclosure proves about the expansion of a number. Expansions are canonical, whatever the form:
@@ -46,6 +46,7 @@ ZELK_EXPORT std::pair<QNumber, QNumber> shortened(std::pair<QNumber, QNumber> co
 ///
 /// Throws: std::domain_error if lower > upper.
 /// Cost: as `simplest_between`, and the quotients.
-ZELK_EXPORT std::vector<QNumber> common_terms(QNumber const& lower, QNumber const& upper);
+[[nodiscard]] ZELK_EXPORT std::vector<QNumber> common_terms(QNumber const& lower,
+                                                            QNumber const& upper);
 
 }  // namespace zelk::na

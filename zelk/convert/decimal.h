@@ -14,12 +14,13 @@ namespace zelk::convert {
 /// has no sign, and `parse_rational` reads the text back as the number that was rounded to.
 ///
 /// Cost: subquadratic in the digits of q and `places`, memory linear, also for the text.
-ZELK_EXPORT std::string to_decimal(QNumber const& q, unsigned places, Rounding rounding);
+[[nodiscard]] ZELK_EXPORT std::string to_decimal(QNumber const& q, unsigned places,
+                                                 Rounding rounding);
 
 /// Whether `places` digits after the point hold `q` exactly: then `to_decimal` rounds nothing.
 ///
 /// Cost: subquadratic in the digits of q's denominator, whatever `places` is.
-ZELK_EXPORT bool is_decimal(QNumber const& q, unsigned places);
+[[nodiscard]] ZELK_EXPORT bool is_decimal(QNumber const& q, unsigned places);
 
 /// The interval between two numbers, its lower end rounded down and its upper end rounded up: what
 /// is printed contains what is meant, and neither end moves by as much as 10^-places.
@@ -33,18 +34,20 @@ ZELK_EXPORT bool is_decimal(QNumber const& q, unsigned places);
 /// lower. `to_decimal({1, 2}, 3)` means the interval from 1 to 2, not the number 1/2.
 ///
 /// Cost: as `to_decimal` for both ends.
-ZELK_EXPORT std::string to_decimal(std::pair<QNumber, QNumber> const& enclosure, unsigned places);
+[[nodiscard]] ZELK_EXPORT std::string to_decimal(std::pair<QNumber, QNumber> const& enclosure,
+                                                 unsigned places);
 
 /// `q` with so many significant digits and a power of ten: 2/3 is `6.7e-1` to the nearest, and
 /// -1000/3 is `-3.34e2` down. Zero is `0`. `parse_rational` reads it back, within its exponents.
 ///
 /// Cost: subquadratic in the digits of q and `digits`.
 /// Throws: std::invalid_argument when `digits` is 0.
-ZELK_EXPORT std::string to_scientific(QNumber const& q, unsigned digits, Rounding rounding);
+[[nodiscard]] ZELK_EXPORT std::string to_scientific(QNumber const& q, unsigned digits,
+                                                    Rounding rounding);
 
 /// The interval between two numbers, rounded outward and marked as by `to_decimal`:
 /// `[3.33e-1, =5.00e-1]`. Throws: std::invalid_argument when `digits` is 0.
-ZELK_EXPORT std::string to_scientific(std::pair<QNumber, QNumber> const& enclosure,
-                                      unsigned digits);
+[[nodiscard]] ZELK_EXPORT std::string to_scientific(std::pair<QNumber, QNumber> const& enclosure,
+                                                    unsigned digits);
 
 }  // namespace zelk::convert

@@ -22,13 +22,13 @@ namespace zelk::convert {
 /// - A negative number that becomes zero becomes -0.0; zero itself is +0.0.
 ///
 /// Cost: linear in the size of q.
-ZELK_EXPORT double to_double(QNumber const& q, Rounding rounding);
+[[nodiscard]] ZELK_EXPORT double to_double(QNumber const& q, Rounding rounding);
 
 /// The tightest pair of doubles with `q` between them, each rounded as by `to_double`: equal when q
 /// is a double, otherwise neighbours, one of them infinite beyond DBL_MAX.
 ///
 /// Cost: as `to_double` twice.
-ZELK_EXPORT std::pair<double, double> enclosing_doubles(QNumber const& q);
+[[nodiscard]] ZELK_EXPORT std::pair<double, double> enclosing_doubles(QNumber const& q);
 
 /// The exact value of `x`; both zeros are 0.
 ///

@@ -17,7 +17,7 @@ inline constexpr long max_decimal_exponent = 1'000'000;
 
 /// A text as messages show it: in quotes, of a long one only the surroundings of `column`,
 /// unprintable bytes as `\x..`. Requires: 1 <= column <= text.size() + 1. Cost: constant.
-ZELK_EXPORT std::string quoted(std::string_view text, std::size_t column = 1);
+[[nodiscard]] ZELK_EXPORT std::string quoted(std::string_view text, std::size_t column = 1);
 
 /// The refusal of a text that is not a rational. `what()` names the text (shortened when long, its
 /// unprintable bytes written as `\x..`), the column and the reason: `"1/-2": column 3: expected a
@@ -59,6 +59,6 @@ ZELK_EXPORT QNumber parse_rational(std::string_view text);
 /// reads it back.
 ///
 /// Cost: subquadratic in the length of the result.
-ZELK_EXPORT std::string to_string(QNumber const& q);
+[[nodiscard]] ZELK_EXPORT std::string to_string(QNumber const& q);
 
 }  // namespace zelk::convert

@@ -67,9 +67,9 @@ struct SharedDigits;
 /// with as few and as short gcds as can be (Knuth, The Art of Computer Programming, 4.5.1).
 ///
 /// Errors: a zero denominator, division by zero and the inverse of zero throw `DivisionByZero`, a
-/// `std::domain_error`, before anything is written. When a block cannot be had, `std::bad_alloc` is thrown and the
-/// target keeps its value. GMP ends the process when it cannot get memory for the digits
-/// themselves.
+/// `std::domain_error`, before anything is written. When a block cannot be had, `std::bad_alloc` is
+/// thrown and the target keeps its value. GMP ends the process when it cannot get memory for the
+/// digits themselves.
 class ZELK_EXPORT QNumber {
  public:
   /// Scratch for the big forms, four integers for each thread, never holding anything from one

@@ -145,8 +145,7 @@ Signs the_same(SignsOf x) { return x[0]; }
 Signs the_opposite(SignsOf x) { return -x[0]; }
 Signs of_sum(SignsOf x) { return x[0] + x[1]; }
 Signs of_difference(SignsOf x) { return x[0] + -x[1]; }
-Signs of_product(SignsOf x) { return x[0] * x[1]; }
-Signs of_quotient(SignsOf x) { return x[0] * Signs{x[1].negative, false, x[1].positive}; }
+Signs of_product(SignsOf x) { return x[0] * x[1]; }  // and of quotients: no divisor is 0 here
 Signs of_power(SignsOf x) { return {x[0].negative, x[0].zero, true}; }
 
 constexpr std::array rows = {
@@ -158,7 +157,7 @@ constexpr std::array rows = {
     Row{Kind::sum, "+", 2, sum, of_sum, 1},
     Row{Kind::difference, "-", 2, difference, of_difference, 1},
     Row{Kind::product, "*", 2, product, of_product, 2},
-    Row{Kind::quotient, "/", 2, quotient, of_quotient, 2},
+    Row{Kind::quotient, "/", 2, quotient, of_product, 2},
     Row{Kind::power, "^", 2, power, of_power, 4, true},
     Row{Kind::exp, "exp", 1, apply<&Functions::exp, has_moderate_exp>, positive},
     Row{Kind::log, "log", 1, apply<&Functions::log, where_zeros_matter>, any_sign, 0, false, "ln"},
