@@ -118,8 +118,7 @@ TEST(Checkers, CountTheSameWork) {
 TEST(Checkers, HoldWhatWasAskedAgainstWhatIsShown) {
   struct {
     Question asked;
-    char const* ends;  // of numbers
-    char const* verdicts;
+    char const *ends, *verdicts;  // of numbers
   } const table[] = {
       {{"[0, 1/10]", 1}, "0 1/10 0 1/9", "+d"},
       {{{}, 1}, "3 3.1 3 3.11 7 7", "+w+"},
