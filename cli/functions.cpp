@@ -280,7 +280,8 @@ template <class Certify>
 Proven certified(Query const& query, Bounds const& bounds, Certify const& certify) {
   try {
     auto const [lower, upper] = std::minmax(bounds.first, bounds.second);
-    return {bounds, certify(real::Interval(lower, upper))};
+    auto certificate = certify(real::Interval(lower, upper));
+    return {bounds, std::move(certificate)};
   } catch (certify::Unprovable const& error) {
     refuse(query, *query.words[0], error.what());
   }

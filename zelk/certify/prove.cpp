@@ -29,7 +29,8 @@ Proof prove_image(Functions& functions, Kind kind, std::vector<Interval> const& 
   maker.combined(kind, std::move(parts), image, accuracy.digits());
   std::vector<Kind> postfix(operands.size(), Kind::number);
   postfix.push_back(kind);
-  return {{image, true}, maker.finish(Expression::from_postfix(std::move(postfix), operands))};
+  auto certificate = maker.finish(Expression::from_postfix(std::move(postfix), operands));
+  return {{image, true}, std::move(certificate)};
 }
 
 Proof prove_image(Functions& functions, Kind kind, Function function, Interval const& x,
@@ -77,7 +78,8 @@ Proof prove(Functions& functions, Expression const& expression, Accuracy accurac
       parts.push_back(maker.combined(kind, std::move(operands), *image, steps.digits));
     ++image;
   }
-  return {answer, maker.finish(expression)};
+  auto certificate = maker.finish(expression);
+  return {answer, std::move(certificate)};
 }
 
 Proof prove_exp(Functions& functions, Interval const& x, Accuracy accuracy) {

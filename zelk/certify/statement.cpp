@@ -79,12 +79,12 @@ std::string statement_of(real::Expression const& expression) {
   std::vector<std::string_view> begun;  // patterns, up to the operand that is awaited
   auto number = expression.numbers().rbegin();
   auto const& postfix = expression.postfix();
-  for (auto kind = postfix.rbegin(); kind != postfix.rend(); ++kind) {
-    if (*kind == Kind::number) {
+  for (auto place = postfix.size(); place-- > 0;) {
+    if (postfix[place] == Kind::number) {
       auto const text = text_of(*number++);
       reversed.append(text.rbegin(), text.rend());
     } else {
-      begun.push_back(pattern_of(*kind));
+      begun.push_back(pattern_of(postfix[place]));
     }
     while (!begun.empty()) {
       auto& pattern = begun.back();
