@@ -11,7 +11,7 @@ namespace zelk::python {
 template <class Input, class Estimate, class Find>
 auto ask(Input const& input, cli::Query const& query, Estimate const& estimate, Find const& find) {
   return compute(input, [&] {
-    require_limits(query, estimate(query, 0));
+    require_limits(query, estimate);
     return find();
   });
 }

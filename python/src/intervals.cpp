@@ -32,8 +32,7 @@ cli::Demand demand_of(double bits) { return {20 * bits, 1000 * bits}; }
 template <class Input, class Find>
 auto ask_about(double bits, Input const& input, Find const& find) {
   return ask(
-      input, {.function = nullptr}, [&](cli::Query const&, unsigned) { return demand_of(bits); },
-      find);
+      input, {.function = nullptr}, [&](auto const&...) { return demand_of(bits); }, find);
 }
 
 py::tuple to_ends(Interval const& x) { return to_pair({x.lower(), x.upper()}); }

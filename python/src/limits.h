@@ -18,4 +18,10 @@ struct Limits {
 /// hold more than `max_bits`, or work through more than a thousand times as many.
 void require_limits(cli::Query const& query, cli::Demand const& demand);
 
+/// The same of the demand that `estimate` finds.
+template <class Estimate>
+void require_limits(cli::Query const& query, Estimate const& estimate) {
+  require_limits(query, estimate(query, 0));
+}
+
 }  // namespace zelk::python

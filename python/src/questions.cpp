@@ -140,7 +140,7 @@ py::object ask_quickly(Input const& input, QNumber const& a, QNumber const& b, F
   cli::Query const query{.function = nullptr, .numbers = {a, b}};
   auto const answer = [&] { return find(a, b); };
   if (!a.is_big() && !b.is_big()) try {
-      require_limits(query, cli::demand_of_simplest(query, 0));
+      require_limits(query, cli::demand_of_simplest);
       return to_fraction(answer());
     } catch (std::logic_error const&) {  // is told in the other way
     }
@@ -209,7 +209,7 @@ Numbers expansion(py::handle x, py::handle count, Estimate const& estimate, Make
       }
       query.expressions.clear();
       query.numbers = {value.lower()};
-      require_limits(query, estimate(query, 0));
+      require_limits(query, estimate);
     }
     auto all = na::common_terms(query.numbers[0], query.numbers[0]);
     if (all.size() > query.terms) all.erase(all.begin() + query.terms, all.end());

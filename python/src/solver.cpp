@@ -97,7 +97,7 @@ class Solver {
     return compute(input, [&] {
       std::lock_guard const lock(mutex);
       QNumber const& x = query.numbers[0];
-      if (!is_kept(x)) require_limits(query, estimate(query, 0));
+      if (!is_kept(x)) require_limits(query, estimate);
       return answer(x);
     });
   }

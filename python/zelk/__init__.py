@@ -13,8 +13,8 @@ between them.
     >>> zelk.terms('pi', 5)
     [3, 7, 15, 1, 292]
 
-Nothing that grows is kept from one call to the next; a Solver keeps its answers. Other threads of Python go on
-while a question is answered. An interrupt (Ctrl-C) is seen as soon as it has been.
+Nothing that grows is kept from one call to the next; a Solver keeps its answers. Other threads of
+Python go on while a question is answered. An interrupt (Ctrl-C) is seen as soon as it has been.
 
 Errors are Python's own. ValueError: a text that means nothing, or a function at a place where it has
 no value. ZeroDivisionError: a division by 0. OverflowError: an answer would be beyond the limits, which

@@ -26,9 +26,10 @@ class Enclosure:
     >>> lower, upper
     (Fraction(289, 92), Fraction(355, 113))
 
-    Sums, differences, products, quotients and whole powers are the least intervals that hold those of all
-    numbers between the ends, exactly. Of two enclosures, or an enclosure and a number, one is less if all of it
-    is; if neither is less, that is a ValueError. Equal are those with the same ends, and the pair of them.
+    Sums, differences, products, quotients and whole powers are the least intervals that hold those of
+    all numbers between the ends, exactly. Of two enclosures, or an enclosure and a number, one is less
+    if all of it is; where that is not decided, asking is a ValueError. Equal are those with the same
+    ends, and the pair of them.
 
     >>> 2 * zelk.pi(digits=3) - 6
     Enclosure(lower=Fraction(13, 46), upper=Fraction(32, 113))
@@ -175,10 +176,9 @@ class Enclosure:
 
     def __repr__(self) -> str:
         # Python's own text of an integer is at most 4300 digits long.
-        lower, upper = (_core.digits(end).partition("/") for end in self)
-        return (
-            f"Enclosure(lower=Fraction({lower[0]}, {lower[2] or 1}), upper=Fraction({upper[0]}, {upper[2] or 1}))"
-        )
+        parts = (_core.digits(end).partition("/") for end in self)
+        lower, upper = (f"Fraction({above}, {below or 1})" for above, _, below in parts)
+        return f"Enclosure(lower={lower}, upper={upper})"
 
     def _repr_pretty_(self, printer: Any, cycle: bool) -> None:
         """In IPython: as decimals, and as fractions."""

@@ -20,19 +20,15 @@ class Strange:
     denominator = property(lambda self: self.parts[1])
 
 
-class Index:
-    def __index__(self):
-        return 2**70
-
-
 third = Fraction(1, 3)
+index = type("Index", (), {"__index__": lambda self: 2**70})()
 
 
 @pytest.mark.parametrize(
     "given, value",
     [(7, 7), (True, 1), (third, third), ("1/3", third), ("3.14", Fraction(314, 100)), (" +.5", Fraction(1, 2)),
      (Decimal("-0.125"), Fraction(-1, 8)), (Decimal("1.2E+2"), 120), ("-7/2", Fraction(-7, 2)), ("sqrt(4)-1", 1),
-     (Strange(2, -6), -third), (Strange(Index(), 2**71), Fraction(1, 2)), (-2**63, -2**63)],
+     (Strange(2, -6), -third), (Strange(index, 2**71), Fraction(1, 2)), (-2**63, -2**63)],
 )  # fmt: skip
 def test_numbers(given, value):
     assert zelk.simplest(given, given) == value
@@ -46,7 +42,7 @@ REFUSED = {
         "exp(None, 5)": "expected a number, an interval or a text, not None", "exp(1, 1.5)": "float",
         "exp((1, 2, 3), 5)": "expected a number, or the two ends of an interval", "exp(1j, 5)": "complex",
         "exp(Strange(1, 1.5), 5)": "float", "exp(Strange('1', 2), 5)": "str", "evaluate(b'1', 5)": "expected a text",
-        "(1, 2, 3) in pi(5)": "the two ends of", "pi(5) + None": "unsupported operand", "None >= pi(5)": "not supported",
+        "(1, 2, 3) in pi(5)": "the two ends of", "pi(5) + None": "unsupported operand", "None >= pi(5)": "not support",
         "Enclosure(1, '2')": "an end is a number, not a text", "Enclosure('1', 2)": "an end is a number, not a text",
     },
     ValueError: {
@@ -62,7 +58,7 @@ REFUSED = {
         "root(2, -1, 5)": "degree: a count cannot be negative", "pi(5).decimal(-1)": "places: a count cannot be",
         "exp(1, -1)": "digits: a count cannot be negative", "Solver().approx(third, 0)": "no terms leave no convergent",
         "Solver().exp('pi', 3)": "not known to be a rational number", "Enclosure(2, 1)": r"\[2, 1\]: the lower end",
-        "pi(5) ** third": "only whole powers are exact", "f'{pi(5):.3e}'": "format code 'e'", "check('{}')": "certificate:",
+        "pi(5) ** third": "only whole powers are exact", "f'{pi(5):.3e}'": "format code", "check('{}')": "certificate",
         "Solver().exp(1, 5, derivative=True).certificate": "companion", "(1 + pi(5)).certificate": "no answer of zelk",
     },
     ZeroDivisionError: {
@@ -76,7 +72,7 @@ REFUSED = {
     OverflowError: {
         "exp(1, 10**20)": "digits: a count is at most 4294967295", "exp(1, 2**32 - 1)": "more than max_digits, 100000",
         "exp(10**12, 5)": "at x = 1000000000000: a result would have more bits", "pi(5) ** 2**63": "beyond 64 bits",
-        "Solver().exp(10**6, 3)": r"^exp\(1000000\) to 3 digits: would work through", "pi(5)**10**9": "would take about",
+        "Solver().exp(10**6, 3)": r"^exp\(1000000\) to 3 digits: would work through", "pi(5)**10**9": "would take",
     },
 }  # fmt: skip
 

@@ -5,6 +5,7 @@ import subprocess
 import sys
 import time
 from contextlib import suppress
+from pathlib import Path
 from threading import Thread
 
 import pytest
@@ -49,8 +50,7 @@ def test_a_solver_is_asked_by_one_thread_at_a_time():
 
 
 def pages():
-    with open("/proc/self/statm") as statm:
-        return int(statm.read().split()[1])
+    return int(Path("/proc/self/statm").read_text().split()[1])
 
 
 @pytest.mark.skipif(is_sanitized, reason="freed memory is kept for a while")

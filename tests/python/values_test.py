@@ -7,7 +7,6 @@ from contextlib import nullcontext
 from fractions import Fraction
 from functools import partial
 from itertools import product
-from math import gcd
 from operator import add, ge, gt, le, lt, mul, sub, truediv
 
 import mpmath
@@ -29,10 +28,8 @@ points = st.builds(Fraction, st.integers(-90, 90), st.integers(1, 60))
 @given(fractions)
 def test_numbers_come_back_as_they_went(q):
     back = zelk.simplest(q, q)
-    assert type(back) is Fraction and back == q and hash(back) == hash(q)
+    assert type(back) is Fraction and back == q and hash(back) == hash(q) and type(back.numerator) is int
     assert (back.numerator, back.denominator) == (q.numerator, q.denominator)
-    assert type(back.numerator) is int and back.denominator > 0
-    assert gcd(back.numerator, back.denominator) == 1
     assert zelk.simplest(str(q), str(q)) == q if len(str(q)) < 4000 else True
 
 
@@ -83,12 +80,10 @@ def test_simplest_is_the_first_of_the_smallest_denominator(a, b, is_open):
 
 @given(fractions)
 def test_terms_and_convergents(q):
-    terms, rest = [], q
-    while True:
-        terms.append(rest.numerator // rest.denominator)
-        if rest == terms[-1]:
-            break
-        rest = 1 / (rest - terms[-1])
+    terms, rest = [q // 1], q % 1
+    while rest:
+        terms.append(1 / rest // 1)
+        rest = 1 / rest % 1
     assert zelk.terms(q) == terms and zelk.convergents(q)[-1] == q
     assert zelk.terms(q, 3) == terms[:3] and zelk.convergents(q, 3) == zelk.convergents(q)[:3]
 
