@@ -11,10 +11,10 @@ from zelk._terms import fraction
 from zelk._types import Exact, Number, Point
 
 
-def _places_for(width: Fraction) -> int:
-    """So many decimals that both ends tell what they say, and a digit more."""
-    if width == 0:
-        return 20
+def _places_for(lower: Fraction, width: Fraction) -> int:
+    """So many decimals that both ends tell what they say, and a digit more; of one number all, up to 20."""
+    if not width:
+        return next((places for places in range(20) if 10**places % lower.denominator == 0), 20)
     bits = width.denominator.bit_length() - width.numerator.bit_length()
     return max(0, bits * 30103 // 100000) + 2
 
@@ -163,7 +163,7 @@ class Enclosure:
         return _restored, (*ends, self._question)
 
     def __str__(self) -> str:
-        return self.decimal(_places_for(self.width))
+        return self.decimal(_places_for(self._lower, self.width))
 
     def __format__(self, layout: str) -> str:
         """The text, or with '.6f' so many decimals, in a field as that of a text.
