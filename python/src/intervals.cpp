@@ -103,7 +103,7 @@ std::string decimal(py::handle object, py::handle places) {
   unsigned const count = to_count(places, "places");
   Interval const x = to_interval(object);
   return ask_about(
-      size_of(x) / 20 + 1.6 * count, [] { return std::string("decimal"); },
+      size_of(x) + 1.6 * count, [] { return std::string("decimal"); },
       [&] {
         return convert::to_decimal({x.lower(), x.upper()}, count);
       });
