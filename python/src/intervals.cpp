@@ -26,13 +26,11 @@ double log2_of(QNumber const& q) { return log2_of(q.numerator()) + log2_of(q.den
 /// The bits of both ends, but none of 0 and 1, whose powers are as short.
 double size_of(Interval const& x) { return log2_of(x.lower()) + log2_of(x.upper()); }
 
-/// What comes of numbers of so many bits, by some tens of products.
-cli::Demand demand_of(double bits) { return {20 * bits, 1000 * bits}; }
-
+/// What `find` makes of numbers of so many bits by a few products, limited with their room.
 template <class Input, class Find>
 auto ask_about(double bits, Input const& input, Find const& find) {
-  return ask(
-      input, {.function = nullptr}, [&](auto const&...) { return demand_of(bits); }, find);
+  auto const estimate = [&](auto const&...) { return cli::Demand{20 * bits, 20 * bits}; };
+  return ask(input, {.function = nullptr}, estimate, find);
 }
 
 py::tuple to_ends(Interval const& x) { return to_pair({x.lower(), x.upper()}); }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -82,14 +81,12 @@ template <class Answer>
 auto ask_functions(Question const& question, Answer const& answer) {
   return ask([&] { return question.shown(); }, question.query, cli::demand_of_expression,
              [&] {
-               double const max_bits = Limits::get().max_bits;
-               if (!question.is_usual()) {
-                 real::ElementaryFunctions functions(max_bits);
-                 return answer(functions);
-               }
-               thread_local std::optional<real::ElementaryFunctions> usual;
-               if (!usual || usual->max_bits() != max_bits) usual.emplace(max_bits);
-               return answer(*usual);
+               // What is usual and within the limits is far from all that functions may be limited
+               // to.
+               thread_local real::ElementaryFunctions usual;
+               if (question.is_usual()) return answer(usual);
+               real::ElementaryFunctions functions(Limits::get().max_bits);
+               return answer(functions);
              });
 }
 
