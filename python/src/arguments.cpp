@@ -64,7 +64,7 @@ bool is_pair(py::handle object) { return PyTuple_Check(object.ptr()) || is_enclo
 
 real::Interval to_interval(py::handle object) {
   if (!is_pair(object)) return to_number(object);
-  py::tuple const ends = py::reinterpret_steal<py::tuple>(PySequence_Tuple(object.ptr()));
+  auto const ends = py::reinterpret_steal<py::tuple>(PySequence_Tuple(object.ptr()));
   if (!ends) throw py::error_already_set();
   if (ends.size() != 2) throw py::type_error("expected a number, or the two ends of an interval");
   return compute([&] { return shown(object); },

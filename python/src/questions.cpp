@@ -228,7 +228,7 @@ Numbers expansion(py::handle x, py::handle count, Estimate const& estimate, Make
   auto const expression = to_expression(x);
   cli::Query query{.function = nullptr};
   if (!count.is_none()) query.terms = to_count(count, "count");
-  auto const constants = expression.numbers();
+  auto const& constants = expression.numbers();
   if (expression.postfix().size() == 1 && constants.size() == 1 && constants[0].is_point())
     query.numbers = {constants[0].lower()};
   else

@@ -93,12 +93,12 @@ def test_limits():
             "terms(long)", "convergents(long)", "terms('(2/3)^30000')", "convergents('pi', 999)", "terms('pi', 9999)",
             "solver.terms(long)", "solver.convergents(long)", "solver.approx(long, 9**9)", "solver.exp(1000, 9999)",
             "best(long, 7)", "simplest(0, long)", "best('pi', long.denominator)", "'1' + '+1' * 999 in found",
-            "exp(1, 9998)", "solver.pi(98)", "pi(10**4)", "log(2, 10**4)", "solver.pi(10**4)", "found**-9999",
-            "found * long", "found < long", "f'{found:.99999}'", "round(found, -99999)",
+            "exp(1, 9998)", "solver.pi(98)", "pi(10**4)", "solver.pi(10**4)", "found**-9999", "found * long",
+            "found < long", "f'{found:.99999}'", "round(found, -99999)", "set_limits(max_bits=99) and best(third, 2)",
         ):  # fmt: skip
             told = r"10000 digits are more than max_digits, 9999;|would (take|work through) about .* \(max_bits\);"
             with pytest.raises(OverflowError, match=told):
-                eval(ask, {**vars(zelk), "solver": solver, "long": long, "found": found})
+                eval(ask, {**vars(zelk), "third": third, "solver": solver, "long": long, "found": found})
     finally:
         zelk.set_limits(**before._asdict())
     assert before == zelk.get_limits() == (100_000, 4 * 10**9)
