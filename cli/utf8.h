@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
@@ -34,22 +35,23 @@ inline Character first_character(std::string_view text) {
 }
 
 /// Whether a character shows nothing of itself, or turns the direction of what stands around it: a
-/// text with it is not what it seems. By Unicode's default ignorable code points, line separators
-/// and marks of annotations.
+/// text with it is not what it seems. By Unicode's default ignorable code points, separators of
+/// lines, and marks of annotations.
 inline bool is_deceptive(Character const& character) {
   static constexpr struct {
-    std::string_view first, last;
-  } ranges[] = {
-      {"\u00ad", "\u00ad"},         {"\u034f", "\u034f"},        {"\u061c", "\u061c"},
-      {"\u115f", "\u1160"},         {"\u17b4", "\u17b5"},        {"\u180b", "\u180f"},
-      {"\u200b", "\u200f"},         {"\u2028", "\u202e"},        {"\u2060", "\u206f"},
-      {"\u3164", "\u3164"},         {"\ufe00", "\ufe0f"},        {"\ufeff", "\ufeff"},
-      {"\uffa0", "\uffa0"},         {"\ufff0", "\ufffb"},        {"\U0001bca0", "\U0001bca3"},
-      {"\U0001d173", "\U0001d17a"}, {"\U000e0000", "\U000e0fff"}};
-  // Bytes in UTF-8 have the order of the characters.
-  for (auto const& [first, last] : ranges)
-    if (first <= character.bytes && character.bytes <= last) return true;
-  return false;
+    char32_t first, last;
+  } ranges[] = {{0xad, 0xad},      {0x34f, 0x34f},   {0x61c, 0x61c},     {0x115f, 0x1160},
+                {0x17b4, 0x17b5},  {0x180b, 0x180f}, {0x200b, 0x200f},   {0x2028, 0x202e},
+                {0x2060, 0x206f},  {0x3164, 0x3164}, {0xfe00, 0xfe0f},   {0xfeff, 0xfeff},
+                {0xffa0, 0xffa0},  {0xfff0, 0xfffb}, {0x1bca0, 0x1bca3}, {0x1d173, 0x1d17a},
+                {0xe0000, 0xe0fff}};
+  if (!character.is_valid || character.bytes.size() == 1) return false;
+  // The lead byte begins with as many ones as there are bytes.
+  char32_t code = 0;
+  for (char const c : character.bytes) code = code << 6 | (static_cast<unsigned char>(c) & 0x3f);
+  code &= (char32_t{1} << (5 * character.bytes.size() + 1)) - 1;
+  return std::ranges::any_of(
+      ranges, [code](auto const& range) { return range.first <= code && code <= range.last; });
 }
 
 }  // namespace zelk::cli

@@ -45,6 +45,7 @@ completing() {
 closed() { "$zelk" "$@" >&-; }
 bounded() (ulimit -f 8 && picture=long plotting "$@")
 plotting() { PATH=$scratch/bin:$PATH "$zelk" "$@"; }
+plotting_below() { echo above && plotting "$@"; }
 plotting_in_tmp() { rm "$scratch/script" && TMPDIR='' plotting "$@"; }
 without_gnuplot() { PATH=/nowhere "$zelk" "$@"; }
 with_failing_gnuplot() { picture=failing plotting "$@"; }
