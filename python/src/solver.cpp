@@ -28,7 +28,7 @@
 #include "zelk/approx/rational_approximator.h"
 #include "zelk/certify/prove.h"
 #include "zelk/certify/write.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::python {
 namespace {

@@ -101,7 +101,7 @@ done
 
 # What programs can link to is what the headers mark, and no helper behind it.
 public=$(cat moved/shared/include/zelk/*/*.h | sed 's/\[\[[^]]*\]\]//g' | tr '\n' ' ' |
-  grep -oE 'ZELK_EXPORT [^][;({]*' | sed 's/ : .*//' | awk '{ print $NF }' | sed 's|[*+]|\\&|g' | paste -sd '|')
+  grep -oE 'ZELK_EXPORT [^][;({]*' | sed 's/ : .*//; s/ final *$//' | awk '{ print $NF }' | sed 's|[*+]|\\&|g' | paste -sd '|')
 helpers=$(nm -DC --defined-only moved/shared/lib/libzelk{,_convert,_real,_verify,_certify}.so | grep -E ' [BDRT] ' |
   grep -vE "[ :]($public)(\(|\[|::|$)" || true)
 [[ -z $helpers ]] || die "exported, though internal: $helpers"

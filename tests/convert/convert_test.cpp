@@ -240,7 +240,7 @@ TEST(Decimal, PutsPowersOfTenBehindSignificantDigits) {
     EXPECT_EQ(to_scientific(parse_rational(q), digits, Rounding::up), up);
     EXPECT_EQ(to_scientific(parse_rational(q), digits, Rounding::nearest), near);
   }
-  EXPECT_EQ(refusal([] { to_scientific(0, 0, Rounding::down); }), "no significant digits");
+  EXPECT_EQ(refusal([] { return to_scientific(0, 0, Rounding::down); }), "no significant digits");
 }
 
 template <class Function, class... T>

@@ -3,7 +3,7 @@
 #include <cassert>
 
 #include "zelk/approx/internal/convergent_recurrence.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::na {
 

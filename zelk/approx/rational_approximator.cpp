@@ -7,7 +7,7 @@
 #include "zelk/approx/internal/convergent_walk.h"
 #include "zelk/approx/internal/euclid.h"
 #include "zelk/numbers/integer.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::na {
 

@@ -4,7 +4,7 @@
 
 #include "zelk/numbers/errors.h"
 #include "zelk/numbers/integer.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::detail {
 

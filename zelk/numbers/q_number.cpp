@@ -8,7 +8,7 @@
 #include "zelk/numbers/internal/fixed_number.h"
 #include "zelk/numbers/internal/leading_bits.h"
 #include "zelk/numbers/internal/scratch.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk {
 

@@ -27,7 +27,8 @@
 /// Errors, of all functions here (zelk/real/errors.h): `Undefined` or `DivisionByZero` if an
 /// operation is not defined on all of its operands, and `NotDecided` if it has been given up to
 /// tell, as for log(sin(1)^2 + cos(1)^2 - 1); `TooLong` if a number would take more bits on the way
-/// than functions.max_bits() allows, 32 times its length, or if it has been given up to tell;
+/// than functions.max_bits() allows, 32 times its length, or 8 times that of an exact power or
+/// product, or if it has been given up to tell;
 /// `std::invalid_argument` if the expression has a variable.
 ///
 /// Cost: all operations at a precision slightly above what is asked for, and again, at least half

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::work {
 

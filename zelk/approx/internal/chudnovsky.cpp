@@ -1,7 +1,7 @@
 #include "zelk/approx/internal/chudnovsky.h"
 
 #include "zelk/numbers/integer.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::na {
 

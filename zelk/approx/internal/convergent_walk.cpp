@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "zelk/numbers/internal/fixed_number.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::na {
 

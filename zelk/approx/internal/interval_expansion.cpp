@@ -4,7 +4,7 @@
 #include <cassert>
 
 #include "zelk/approx/internal/leading_part.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::na {
 

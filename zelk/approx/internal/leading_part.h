@@ -6,7 +6,7 @@
 
 #include "zelk/approx/internal/quotient_matrix.h"
 #include "zelk/approx/internal/ratio.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 /// Intervals around ratios, made of their leading bits: the quotients that all numbers of an
 /// interval share are those of the numbers in it. Proofs: docs/mathematics.md, section 13.

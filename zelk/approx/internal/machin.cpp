@@ -3,7 +3,7 @@
 #include "zelk/approx/internal/common_denominator.h"
 #include "zelk/numbers/integer.h"
 #include "zelk/numbers/internal/leading_bits.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::na {
 

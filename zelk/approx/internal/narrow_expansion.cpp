@@ -4,7 +4,7 @@
 
 #include "zelk/approx/internal/interval_expansion.h"
 #include "zelk/approx/internal/leading_part.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::na {
 

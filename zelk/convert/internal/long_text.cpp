@@ -4,7 +4,7 @@
 #include <deque>
 #include <string_view>
 
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::convert {
 

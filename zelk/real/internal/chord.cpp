@@ -5,7 +5,7 @@
 #include <cassert>
 
 #include "zelk/real/internal/limb_buffer.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::real {
 

@@ -2,7 +2,7 @@
 
 #include "zelk/approx/short_bounds.h"
 #include "zelk/real/internal/fixed_point.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::real {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "zelk/real/internal/kinds.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::real {
 

@@ -6,7 +6,7 @@
 
 #include "zelk/numbers/integer.h"
 #include "zelk/real/internal/fixed_point.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::real {
 

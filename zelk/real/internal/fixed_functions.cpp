@@ -4,7 +4,7 @@
 #include "zelk/real/internal/chord.h"
 #include "zelk/real/internal/exp_splitting.h"
 #include "zelk/real/internal/word_functions.h"
-#include "zelk/work/internal/poll.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::real {
 

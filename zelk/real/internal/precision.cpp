@@ -13,6 +13,8 @@ namespace zelk::real {
 
 namespace {
 
+constexpr double room_for_products = 8;
+
 // Numbers of a million bits, and beyond that such as are no longer than what precision takes.
 constexpr double always_short = 1 << 20;
 constexpr double short_for_precision = 16;
@@ -38,7 +40,7 @@ Precision::Precision(ElementaryFunctions& functions, unsigned long wanted, bool 
   double const wanted_bits = bits_of_digits(wanted);
   bits = static_cast<long>(wanted_bits);
   unit = zelk::pow(10, -static_cast<long>(wanted));
-  double const room = functions.max_bits() / room_on_the_way;
+  double const room = functions.max_bits() / room_for_products;
   exact_bits = std::min(room, std::max(always_short, short_for_precision * wanted_bits));
   most_zeros = keep_zeros ? room : exact_bits;
 }
@@ -46,11 +48,11 @@ Precision::Precision(ElementaryFunctions& functions, unsigned long wanted, bool 
 void Precision::require_digits(ElementaryFunctions const& functions, unsigned long digits) {
   if (digits > std::numeric_limits<unsigned>::max() / 2)
     throw TooLong("more digits are needed than can be counted");
-  require_room(functions, bits_of_digits(digits));
+  real::require_room(bits_of_digits(digits), functions.max_bits());
 }
 
 void Precision::require_room(ElementaryFunctions const& functions, double result_bits) {
-  real::require_room(result_bits, functions.max_bits());
+  real::require_room(result_bits, functions.max_bits(), room_for_products);
 }
 
 /// Outward, to `bits` bits below the magnitude of x, or below 2^least_magnitude if that is greater.

@@ -5,12 +5,13 @@
 #include "zelk/config.h"
 #include "zelk/work/meter.h"
 
-/// How long computations let themselves be counted and stopped: they call `poll` before each block
-/// of work that takes a microsecond or more, where an exception leaves every object usable.
+/// How long computations, those of a host too, let themselves be counted and stopped: they call
+/// `poll` before each block of work that takes a microsecond or more, where an exception leaves
+/// every object usable.
 namespace zelk::work {
 
 /// The last of this thread's meters; null if there are none.
-extern ZELK_EXPORT constinit thread_local Meter* innermost;
+ZELK_EXPORT extern constinit thread_local Meter* innermost;
 
 /// Tells the thread's meters, of which there are some.
 ZELK_EXPORT void count(double work, unsigned long steps);
