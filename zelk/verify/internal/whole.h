@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "zelk/numbers/q_number.h"
+#include "zelk/work/poll.h"
 
 namespace zelk::verify {
 
@@ -45,11 +46,13 @@ class Whole {
     return a;
   }
   friend Whole operator*(Whole const& a, Whole const& b) {
+    work::poll_products(static_cast<mp_size_t>(mpz_size(a.own)));
     Whole product;
     mpz_mul(product.own, a.own, b.own);
     return product;
   }
   friend Whole operator/(Whole a, Whole const& b) {
+    work::poll_products(static_cast<mp_size_t>(mpz_size(a.own)), 4);
     mpz_fdiv_q(a.own, a.own, b.own);
     return a;
   }
