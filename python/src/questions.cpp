@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -76,18 +77,6 @@ struct Question {
   cli::Query query;
 };
 
-/// Sets a mark while it lives.
-class InUse {
- public:
-  explicit InUse(bool& its_mark) : mark(its_mark) { mark = true; }
-  InUse(InUse const&) = delete;
-  InUse& operator=(InUse const&) = delete;
-  ~InUse() { mark = false; }
-
- private:
-  bool& mark;
-};
-
 /// What `answer` finds by functions that have kept nothing, or nothing but the first digits of pi
 /// and log 2; answers do not depend on that.
 template <class Answer>
@@ -95,12 +84,14 @@ auto ask_functions(Question const& question, Answer const& answer) {
   return ask([&] { return question.shown(); }, question.query, cli::demand_of_expression,
              [&] {
                // What is usual and within the limits is far from all that functions may be limited
-               // to. A handler of a signal may ask while they are in use.
-               thread_local real::ElementaryFunctions usual;
-               thread_local bool is_in_use = false;
-               if (question.is_usual() && !is_in_use) {
-                 InUse const in_use(is_in_use);
-                 return answer(usual);
+               // to. None is here while it is in use: a handler of a signal may ask, too.
+               thread_local std::unique_ptr<real::ElementaryFunctions> usual;
+               if (question.is_usual()) {
+                 auto functions = std::move(usual);
+                 if (!functions) functions = std::make_unique<real::ElementaryFunctions>();
+                 auto found = answer(*functions);
+                 usual = std::move(functions);
+                 return found;
                }
                real::ElementaryFunctions functions(Limits::get().max_bits);
                return answer(functions);
@@ -146,7 +137,7 @@ std::string as_typed(std::string const& statement) {
 /// The statement of the certificate if it means the expression, otherwise that of the expression.
 std::string wanted_statement(real::Expression const& expression,
                              verify::Certificate const& certificate) {
-  auto const wanted = as_typed(certify::statement_of(expression));
+  auto wanted = as_typed(certify::statement_of(expression));
   try {
     if (as_typed(certificate.statement) == wanted) return certificate.statement;
   } catch (std::invalid_argument const&) {  // it is no expression
