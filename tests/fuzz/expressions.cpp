@@ -102,6 +102,7 @@ class Oracle {
       push(1);
       kind == Kind::pi ? mpfi_const_pi(&values.back()) : mpfi_exp(&values.back(), &values.back());
     } else if (functions.contains(kind)) {
+      if (kind == Kind::tan && is_tiny(values.back())) return false;
       functions.at(kind)(&values.back(), &values.back());
     } else if (operators.contains(kind)) {
       auto* const first = &values[values.size() - 2];
@@ -112,6 +113,14 @@ class Oracle {
       return false;
     }
     return true;
+  }
+
+  /// MPFI's tangent takes as many bits as its operand begins with zeros.
+  static bool is_tiny(__mpfi_struct const& x) {
+    auto const is_tiny_end = [](mpfr_srcptr end) {
+      return mpfr_regular_p(end) != 0 && mpfr_get_exp(end) < -100'000;
+    };
+    return is_tiny_end(&x.left) || is_tiny_end(&x.right);
   }
 
   std::deque<__mpfi_struct> values;
@@ -129,7 +138,7 @@ std::optional<Expression> parsed(std::string const& text) {
 QNumber unit(unsigned digits) { return zelk::pow(10, -static_cast<long>(digits)); }
 
 void check_expression(Expression const& expression) {
-  ElementaryFunctions functions(3e4);
+  ElementaryFunctions functions(1e5);
   auto const coarse = enclose(functions, expression, 2, most_digits);
   auto const fine = enclose(functions, expression, 14, most_digits);
   auto const& [low, high] = std::pair(fine.bounds.lower(), fine.bounds.upper());
