@@ -125,7 +125,8 @@ class Oracle {
 
   void expect_near(Row const& row, Interval const& x, Accuracy accuracy, mpq_class const& outside,
                    mpq_class const& value) {
-    mpq_class const error = (1 + abs(value)) / (mpz_class(1) << (precision - 1000));
+    mpq_class const error =
+        (1 + abs(value)) / (mpz_class(1) << static_cast<mp_bitcnt_t>(precision - 1000));
     mpq_class const allowed =
         unit(accuracy) * (accuracy.is_relative() ? mpq_class(abs(value)) : mpq_class(1));
     EXPECT_TRUE(-error <= outside && outside <= allowed + error)
