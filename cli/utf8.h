@@ -34,6 +34,14 @@ inline Character first_character(std::string_view text) {
   return {text.substr(0, size), size == length && length > 1};
 }
 
+/// Its code point. Requires: it is one, of more than one byte.
+inline char32_t code_point(Character const& character) {
+  // The lead byte begins with as many ones as there are bytes.
+  char32_t code = 0;
+  for (char const c : character.bytes) code = code << 6 | (static_cast<unsigned char>(c) & 0x3f);
+  return code & ((char32_t{1} << (5 * character.bytes.size() + 1)) - 1);
+}
+
 /// Whether a character shows nothing of itself, or turns the direction of what stands around it: a
 /// text with it is not what it seems. By Unicode's default ignorable code points, separators of
 /// lines, and marks of annotations.
@@ -46,10 +54,7 @@ inline bool is_deceptive(Character const& character) {
                 {0xffa0, 0xffa0},  {0xfff0, 0xfffb}, {0x1bca0, 0x1bca3}, {0x1d173, 0x1d17a},
                 {0xe0000, 0xe0fff}};
   if (!character.is_valid || character.bytes.size() == 1) return false;
-  // The lead byte begins with as many ones as there are bytes.
-  char32_t code = 0;
-  for (char const c : character.bytes) code = code << 6 | (static_cast<unsigned char>(c) & 0x3f);
-  code &= (char32_t{1} << (5 * character.bytes.size() + 1)) - 1;
+  auto const code = code_point(character);
   return std::ranges::any_of(
       ranges, [code](auto const& range) { return range.first <= code && code <= range.last; });
 }

@@ -40,13 +40,11 @@ struct Operation {
   Interval (*of)(Interval const& a, Interval const& b);
 };
 
-constexpr Operation operations[] = {{"+", real::operator+ },
-                                     {"-", real::operator- },
-                                      {"*", real::operator* },
-                                       {
-                                           "/",
-                                           real::operator/ },
-                                      };
+// clang-format off
+constexpr Operation operations[] = {
+    {"+", real::operator+}, {"-", real::operator-}, {"*", real::operator*}, {"/", real::operator/},
+};
+// clang-format on
 
 std::string described(py::handle a, std::string_view symbol, py::handle b) {
   return shown(a) + ' ' + std::string(symbol) + ' ' + shown(b);

@@ -128,10 +128,37 @@ std::string prove(py::handle formula, py::handle x, py::handle digits, bool is_r
   });
 }
 
-/// A statement as it is spelled of what is typed, where fractions are quotients; given as numbers
-/// they are numbers.
+/// The same with numbers in the place of quotients and negatives of numbers: as text a fraction is
+/// a quotient, and what is negative the opposite of something.
+real::Expression with_numbers(real::Expression const& expression) {
+  using real::Kind;
+  std::vector<Kind> kinds;
+  std::vector<real::Interval> numbers;
+  auto next = expression.numbers().begin();
+  auto const is_number = [&](std::size_t from_last) {
+    return kinds.size() > from_last &&
+           kinds.end()[-1 - static_cast<long>(from_last)] == Kind::number &&
+           numbers.end()[-1 - static_cast<long>(from_last)].is_point();
+  };
+  for (Kind const kind : expression.postfix()) {
+    if (kind == Kind::negative && is_number(0)) {
+      numbers.back() = -numbers.back();
+    } else if (kind == Kind::quotient && is_number(0) && is_number(1) && numbers.back() != 0) {
+      auto const divisor = numbers.back();
+      numbers.pop_back();
+      kinds.pop_back();
+      numbers.back() = numbers.back() / divisor;
+    } else {
+      if (kind == Kind::number) numbers.push_back(*next++);
+      kinds.push_back(kind);
+    }
+  }
+  return real::Expression::from_postfix(std::move(kinds), std::move(numbers));
+}
+
+/// A statement in the spelling that all ways to type it have in common.
 std::string as_typed(std::string const& statement) {
-  return certify::statement_of(real::parse_expression(statement));
+  return certify::statement_of(with_numbers(real::parse_expression(statement)));
 }
 
 /// The statement of the certificate if it means the expression, otherwise that of the expression.

@@ -52,7 +52,7 @@ TEST(Interval, TakesTheSmallestThatHoldsEveryResult) {
       EXPECT_EQ(a - b, on_grid(a, b, [](auto& p, auto& q) { return p - q; }));
       EXPECT_EQ(a * b, on_grid(a, b, [](auto& p, auto& q) { return p * q; }));
       if (b.contains(0))
-        EXPECT_THROW((void)a / b, std::domain_error);
+        EXPECT_THROW((void)(a / b), std::domain_error);
       else
         EXPECT_EQ(a / b, on_grid(a, b, [](auto& p, auto& q) { return p / q; }));
       EXPECT_TRUE(hull(a, b).contains(a) && hull(b, a).contains(b));

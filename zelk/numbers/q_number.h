@@ -94,7 +94,7 @@ class ZELK_EXPORT QNumber {
   }
 
   /// n/d in lowest terms. In big form exactly when n or d is -2^63.
-  /// Throws: std::domain_error when d is 0.
+  /// Throws: DivisionByZero when d is 0.
   QNumber(long n, long d) : num(n), den(d) {
     // One test for a d of 0 or -2^63: without the sign bit, both are 0.
     if (n == LONG_MIN || (d & LONG_MAX) == 0) [[unlikely]]
@@ -106,7 +106,7 @@ class ZELK_EXPORT QNumber {
   }
 
   /// Unsigned words, exactly: as the same values in `long`, and in big form where one of them is
-  /// beyond 2^63 - 1. Throws: std::domain_error when d is 0.
+  /// beyond 2^63 - 1. Throws: DivisionByZero when d is 0.
   template <class T>
   requires(is_unsigned_word<T>) QNumber(T n) : num(static_cast<long>(n)), den(1) {
     if (num < 0) [[unlikely]]
@@ -134,7 +134,7 @@ class ZELK_EXPORT QNumber {
   = delete;
 
   /// numerator/denominator in lowest terms, in small form whenever it fits. Either may be one of
-  /// `gmp_tmp`. Throws: std::domain_error when the denominator is 0.
+  /// `gmp_tmp`. Throws: DivisionByZero when the denominator is 0.
   static QNumber from_mpz(mpz_srcptr numerator, mpz_srcptr denominator);
 
   /// As `from_mpz`, but in big form whatever the value.
@@ -148,11 +148,11 @@ class ZELK_EXPORT QNumber {
   };
 
   /// In big form whatever the value, and without a gcd.
-  /// Throws: std::domain_error when the denominator is 0.
+  /// Throws: DivisionByZero when the denominator is 0.
   explicit QNumber(LowestTerms const& fraction);
 
   /// In small form whenever it fits, and without a gcd.
-  /// Throws: std::domain_error when the denominator is 0.
+  /// Throws: DivisionByZero when the denominator is 0.
   static QNumber from_lowest_terms(LowestTerms const& fraction);
 
   /// For tables of this library with very many numbers.
@@ -206,7 +206,7 @@ class ZELK_EXPORT QNumber {
   }
 
   /// The same value, in small form when it fits.
-  QNumber to_small() const { return from_lowest_terms({numerator(), denominator()}); }
+  [[nodiscard]] QNumber to_small() const { return from_lowest_terms({numerator(), denominator()}); }
 
   /// Whether the number is in big form.
   bool is_big() const { return den == 0; }
@@ -250,7 +250,7 @@ class ZELK_EXPORT QNumber {
     return den;
   }
 
-  /// The same object may stand on both sides of each of these. Throws: std::domain_error when b is
+  /// The same object may stand on both sides of each of these. Throws: DivisionByZero when b is
   /// 0 in a division, which then leaves the number as it was.
   QNumber& operator+=(QNumber const& b) { return become_sum<Sign::plus>(*this, b); }
   QNumber& operator-=(QNumber const& b) { return become_sum<Sign::minus>(*this, b); }
@@ -295,8 +295,8 @@ class ZELK_EXPORT QNumber {
     return opposite;
   }
 
-  /// 1/value, in this number's form. Throws: std::domain_error when the value is 0.
-  QNumber inv() const {
+  /// 1/value, in this number's form. Throws: DivisionByZero when the value is 0.
+  [[nodiscard]] QNumber inv() const {
     if (den == 0) [[unlikely]]
       return inv_big();
     return {den, num};

@@ -14,12 +14,12 @@ double room_for_chords(double bits) {
 
 void require_room(double bits, double max_bits, double times) {
   if (bits * times <= max_bits) return;
+  constexpr double greatest_told = 0x1p62;
   char text[160];
-  std::snprintf(
-      text, sizeof text,
-      "a result of %.2g bits would take %.2g on the way, more bits than the limit allows: "
-      "%.3g",
-      bits, bits * times, max_bits);
+  std::snprintf(text, sizeof text,
+                "a result of %s%.2g bits would take %.2g on the way, more bits than the limit "
+                "allows: %.3g",
+                bits < greatest_told ? "" : "more than ", bits, bits * times, max_bits);
   throw TooLong(text);
 }
 
