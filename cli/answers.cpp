@@ -44,11 +44,11 @@ void Answers::look_up_or_compute(Item& item) {
 
 void Answers::compute(Item& item) {
   auto const& style = settings.style;
-  Query query = parse_query(item.query);
-  query.places = places_of(query, style);
-  double const bits = settings.limits.check(query).held;
-  if (kept + bits > share) let_go();
   settings.limits.within([&] {
+    Query query = parse_query(item.query);
+    query.places = places_of(query, style);
+    double const bits = settings.limits.check(query).held;
+    if (kept + bits > share) let_go();
     auto const answered = solver.answer_within(share - kept, query, bits, proof_of(style));
     item.answer = to_output(item.query, query, answered, style, " ", "; ");
     item.note = note_on(query, answered.answer);

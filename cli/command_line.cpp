@@ -269,7 +269,7 @@ void CommandLine::add_plots() {
     if (!command.get_subcommands().empty()) return;
     if (plot.expression.empty()) throw CLI::RequiredError("a picture or EXPRESSION");
     if (plot.file.empty()) throw CLI::RequiredError("--output");
-    plot_expression(plot, settings);
+    settings.limits.within([&] { plot_expression(plot, settings); });
   });
   auto const add = [&](std::string const& name, std::string const& description,
                        std::string const& example) -> CLI::App& {
@@ -284,11 +284,13 @@ void CommandLine::add_plots() {
     auto& kind = add(function.name, "The bounds of " + function.name + " over a range of points",
                      "--from -1 --to 2");
     add_range(kind, plot.digits);
-    kind.callback([this, &function] { plot_bounds(function, plot, settings); });
+    kind.callback([this, &function] {
+      settings.limits.within([&] { plot_bounds(function, plot, settings); });
+    });
   }
   auto& kind = add("convergents", "The convergents of Q", "3.14159265");
   add_option(kind, "Q", plot.number, "", "A fraction or decimal")->required();
-  kind.callback([this] { plot_convergents(plot, settings); });
+  kind.callback([this] { settings.limits.within([&] { plot_convergents(plot, settings); }); });
 }
 
 void CommandLine::read_settings() {
@@ -343,7 +345,7 @@ int CommandLine::answer(Function const& function, CLI::App const& command) const
     }
 
   try {
-    parse_words(query);
+    settings.limits.within([&] { parse_words(query); });
     query.places = places_of(query, settings.style);
     auto const demand = settings.limits.check(query);
     na::StepCounter const counter;

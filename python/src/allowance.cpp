@@ -1,5 +1,7 @@
 #include "python/src/allowance.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <stop_token>
@@ -27,6 +29,9 @@ Process& process() {
 }
 
 thread_local double block_max_bits = 0;
+thread_local Watched* innermost = nullptr;
+
+bool is_main_thread() { return PyThread_get_thread_ident() == process().main_thread; }
 
 /// Runs Python's handlers of signals that have come. Throws what they raise.
 bool handle_signals() {
@@ -85,38 +90,49 @@ std::shared_ptr<Allowance> Allowance::current() {
 double max_bits_of_block() { return block_max_bits; }
 
 Watched::Watched()
-    : allowance(Allowance::current()), scope(limits()), outer_max_bits(block_max_bits) {
+    : outer(innermost),
+      allowance(Allowance::current()),
+      scope(limits()),
+      outer_max_bits(block_max_bits) {
+  block_max_bits = 0;
   for (auto const* each = allowance.get(); each != nullptr; each = each->outer.get())
-    if (each->max_bits != 0) {
+    if (each->max_bits != 0 && (block_max_bits == 0 || each->max_bits < block_max_bits))
       block_max_bits = each->max_bits;
-      break;
-    }
+  innermost = this;
   ++process().watched;
 }
 
 Watched::~Watched() {
   --process().watched;
+  innermost = outer;
   block_max_bits = outer_max_bits;
-  for (auto* each = allowance.get(); each != nullptr; each = each->outer.get())
+  // The question that was interrupted, if there is one, counts this work in its own blocks.
+  auto const* const counted = outer != nullptr ? outer->allowance.get() : nullptr;
+  for (auto* each = allowance.get(); each != counted && each != nullptr; each = each->outer.get())
     each->work_left.store(each->work_left - scope.work());
 }
 
 work::Limits Watched::limits() const {
-  work::Limits limits{.stop = process().end.get_token()};
+  work::Limits limits;
   for (auto const* each = allowance.get(); each != nullptr; each = each->outer.get()) {
     limits.work = std::min(limits.work, std::max(0.0, each->work_left.load()));
     limits.deadline = std::min(limits.deadline, each->deadline);
   }
-  if (PyThread_get_thread_ident() == process().main_thread) limits.is_unwanted = handle_signals;
+  if (is_main_thread())
+    limits.is_unwanted = handle_signals;
+  else
+    limits.stop = process().end.get_token();
   return limits;
 }
 
+void Watched::stay_if_over() {
+  if (!process().end.stop_requested() || is_main_thread()) return;
+  --process().watched;
+  for (;;) pause();
+}
+
 void Watched::raise(work::Stopped const& stopped, std::string const& input) {
-  // Where the interpreter ends, nobody is left to be told.
-  if (stopped.reason() == work::Reason::request)
-    PyErr_SetNone(PyExc_SystemExit);
-  else
-    PyErr_SetString(process().stopped.ptr(), (input + ": " + stopped.what()).c_str());
+  PyErr_SetString(process().stopped.ptr(), (input + ": " + stopped.what()).c_str());
   throw py::error_already_set();
 }
 

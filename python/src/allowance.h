@@ -14,7 +14,8 @@ namespace zelk::python {
 
 namespace py = pybind11;
 
-/// What the questions asked in a block of Python may take together, be it in several threads.
+/// What the questions asked in a block of Python may take together. In several threads each may
+/// take what is left when it begins.
 struct Allowance {
   std::shared_ptr<Allowance> outer;
   std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
@@ -34,16 +35,34 @@ class Watched {
   Watched& operator=(Watched const&) = delete;
   ~Watched();
 
+  /// What `compute` returns, without the interpreter meanwhile.
+  template <class Compute>
+  static auto run(Compute const& compute);
+
   /// As an exception of Python.
   [[noreturn]] static void raise(work::Stopped const& stopped, std::string const& input);
 
  private:
   work::Limits limits() const;
 
+  /// Where the interpreter has ended, a thread other than its main one must not want it back.
+  static void stay_if_over();
+
+  Watched* outer;  // of the question that a handler of a signal interrupts
   std::shared_ptr<Allowance> allowance;
   work::Scope scope;
   double outer_max_bits;
 };
+
+template <class Compute>
+auto Watched::run(Compute const& compute) {
+  Watched const watched;
+  py::gil_scoped_release const release;
+  struct Staying {
+    ~Staying() { stay_if_over(); }
+  } const staying;
+  return compute();
+}
 
 /// The limit of bits that the block says; 0 if it says none, or outside of what is watched.
 double max_bits_of_block();

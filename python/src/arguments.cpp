@@ -23,7 +23,7 @@ namespace {
 std::optional<QNumber> plain_number(std::string_view text) {
   if (text.find_first_not_of("0123456789./-eE") != std::string_view::npos) return std::nullopt;
   try {
-    return convert::parse_rational(text);
+    return read_text(text, [&] { return convert::parse_rational(text); });
   } catch (convert::ParseError const&) {
     return std::nullopt;
   }
@@ -31,7 +31,7 @@ std::optional<QNumber> plain_number(std::string_view text) {
 
 real::Expression expression_in(std::string_view text) {
   if (auto const number = plain_number(text)) return *number;
-  return real::parse_expression(text);
+  return read_text(text, [&] { return real::parse_expression(text); });
 }
 
 }  // namespace
@@ -50,7 +50,7 @@ QNumber to_number(py::handle object) {
   auto const text = text_of(object);
   if (auto number = plain_number(text)) return *std::move(number);
   cli::Query query{.function = nullptr};
-  query.expressions = {real::parse_expression(text)};
+  query.expressions = {read_text(text, [&] { return real::parse_expression(text); })};
   return ask([&] { return convert::quoted(text); }, query, cli::demand_of_expression,
              [&] {
                real::ElementaryFunctions functions(Limits::get().max_bits);

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "python/src/allowance.h"
+#include "zelk/convert/text.h"
 #include "zelk/numbers/q_number.h"
 #include "zelk/real/expression.h"
 #include "zelk/real/interval.h"
@@ -21,6 +23,18 @@ std::string_view text_of(py::handle object);
 /// A rational number; of a text, the value that its expression is known to have.
 /// Throws: Python's exception for what is none.
 QNumber to_number(py::handle object);
+
+/// What `read` makes of a text; of a long one as a question is answered, so that it can be stopped.
+template <class Read>
+auto read_text(std::string_view text, Read const& read) {
+  constexpr std::size_t long_text = 1 << 16;
+  if (text.size() < long_text) return read();
+  try {
+    return Watched::run(read);
+  } catch (work::Stopped const& stopped) {
+    Watched::raise(stopped, convert::quoted(text));
+  }
+}
 
 /// The pair of a tuple or an enclosure, or a point.
 /// Throws: Python's exception for what is none, or if the ends are not in order.

@@ -24,9 +24,7 @@ namespace py = pybind11;
 template <class Input, class Compute>
 auto compute(Input const& input, Compute const& compute) {
   try {
-    Watched const watched;
-    py::gil_scoped_release const release;
-    return compute();
+    return Watched::run(compute);
   } catch (work::Stopped const& stopped) {
     Watched::raise(stopped, input());
   } catch (DivisionByZero const& error) {

@@ -33,11 +33,11 @@ void require_limits(cli::Query const& query, cli::Demand const& demand) {
   bool const holds = demand.held > most;
   if (!holds && demand.worked_through <= 1000 * most) return;
   char text[256];
-  std::snprintf(
-      text, sizeof text,
-      "would %s about %.1e bits, more than %s%.1e (max_bits); zelk.set_limits allows more",
-      holds ? "take" : "work through", holds ? demand.held : demand.worked_through,
-      holds ? "" : "a thousand times ", most);
+  std::snprintf(text, sizeof text,
+                "would %s about %.1e bits, more than %s%.1e (max_bits); zelk.set_limits, or "
+                "zelk.limits, allows more",
+                holds ? "take" : "work through", holds ? demand.held : demand.worked_through,
+                holds ? "" : "a thousand times ", most);
   throw std::length_error(text);
 }
 

@@ -35,13 +35,17 @@ static_assert(real::default_most_digits == 10000);
 constexpr real::Kind plain_functions[] = {real::Kind::exp, real::Kind::log, real::Kind::sin,
                                           real::Kind::cos, real::Kind::atan};
 
+real::Expression parse(std::string_view text) {
+  return read_text(text, [&] { return real::parse_expression(text); });
+}
+
 /// A formula at a number, an interval or an expression, and how near its bounds are to be.
 struct Question {
   Question(py::handle text, py::handle point, py::handle digit_count, bool is_relative)
       : formula(text),
         x(point),
         query{.function = nullptr,
-              .expressions = {real::parse_expression(text_of(text))},
+              .expressions = {parse(text_of(text))},
               .digits = to_count(digit_count, "digits"),
               .relative = is_relative ? 1 : 0} {
     if (!x.is_none()) query.expressions[0] = composed(expression(), to_expression(x));

@@ -21,9 +21,10 @@ def limits(
     bits: Optional[float] = None,
 ) -> Iterator[None]:
     """What the questions asked within the block may take: so many seconds by the clock from here on, and
-    so many units of work, all together; and bits of memory each, in the place of max_bits. A question
-    that goes beyond is given up with zelk.Stopped, and nothing is lost by it. Work is counted alike on
-    all machines: a product of numbers with b bits is b^1.5 units, and a second some 10^11.
+    so many units of work, all together: a question that goes beyond is given up with zelk.Stopped, and
+    nothing is lost by it. And so many bits of memory each, in the place of max_bits: a question for more is
+    refused with an OverflowError. Work is counted alike on all machines: a product of numbers with b bits is
+    b^1.5 units, and a second some 10^11.
 
     >>> with zelk.limits(work=10**7):
     ...     zelk.evaluate('log(3/2)/log(2)', 10000)

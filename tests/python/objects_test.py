@@ -51,6 +51,11 @@ CERTIFIED = [
 ]  # fmt: skip
 
 
+def test_checks_know_numbers_however_they_are_typed():
+    for typed in ("exp(-0.25)", "exp(-1/4)", "exp(1/-4)"):
+        assert zelk.check(zelk.exp("-0.25", 5).certificate, typed, 5).startswith("exp((-1/4)) in ")
+
+
 @pytest.mark.parametrize("ask", CERTIFIED)
 def test_certificates_prove_the_answer(ask):
     found = pickle.loads(pickle.dumps(ask()))

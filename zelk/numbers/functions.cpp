@@ -26,10 +26,14 @@ void raise(Integer& out, mpz_srcptr n, unsigned long exponent) {
     mpz_pow_ui(out, n, exponent);
     return;
   }
-  // Zeros are not multiplied.
+  // Zeros are not multiplied, and powers of two are nothing else.
   Integer odd;
   auto const zeros = mpz_scan1(n, 0);
   mpz_tdiv_q_2exp(odd, n, zeros);
+  if (mpz_cmpabs_ui(odd, 1) == 0) {
+    mpz_pow_ui(out, n, exponent);
+    return;
+  }
   mpz_set(out, odd);
   for (int bit = static_cast<int>(std::bit_width(exponent)) - 2; bit >= 0; --bit) {
     work::poll(4 * work::product(work::bits_of(out)));

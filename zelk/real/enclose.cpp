@@ -130,11 +130,10 @@ Enclosure enclose(ElementaryFunctions& functions, Expression const& expression, 
                     tolerance.missing(found.upper_end(), signs));
   };
   refine(functions, expression, accuracy.digits(), most_digits, judge, steps);
-  // An interval that stands alone is its own answer.
-  bool const is_literal = expression.postfix().size() == 1 && found.is_exact();
-  auto const bounds = is_literal ? found.outer()
-                                 : shortened(found.outer(), tolerance.slack(found.lower_end()),
-                                             tolerance.slack(found.upper_end()));
+  bool const stands_alone = expression.postfix().size() == 1 && !expression.numbers().empty();
+  auto const bounds = stands_alone ? expression.numbers()[0]  // its own answer
+                                   : shortened(found.outer(), tolerance.slack(found.lower_end()),
+                                               tolerance.slack(found.upper_end()));
   return {bounds, tolerance.is_kept_by(bounds)};
 }
 

@@ -40,7 +40,8 @@ struct Question {
 /// Whether each claim follows from those before it, and the last is about what is stated, and what
 /// was asked for.
 ///
-/// The certificate may come from anywhere: whatever it holds, nothing is thrown but std::bad_alloc.
+/// The certificate may come from anywhere: whatever it holds, nothing is thrown but std::bad_alloc,
+/// and work::Stopped where the host asks for it.
 ZELK_EXPORT Verdict verify(Certificate const& certificate, Limits const& limits = {},
                            Question const& asked = {});
 

@@ -2,6 +2,7 @@
 
 #include <gmp.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -46,13 +47,13 @@ class Whole {
     return a;
   }
   friend Whole operator*(Whole const& a, Whole const& b) {
-    work::poll_products(static_cast<mp_size_t>(mpz_size(a.own)));
+    poll_products(a, b);
     Whole product;
     mpz_mul(product.own, a.own, b.own);
     return product;
   }
   friend Whole operator/(Whole a, Whole const& b) {
-    work::poll_products(static_cast<mp_size_t>(mpz_size(a.own)), 4);
+    poll_products(a, b, 4);
     mpz_fdiv_q(a.own, a.own, b.own);
     return a;
   }
@@ -78,15 +79,21 @@ class Whole {
   mpz_srcptr get() const { return own; }
 
   friend Whole square_root(Whole a) {
+    poll_products(a, a, 4);
     mpz_sqrt(a.own, a.own);
     return a;
   }
   friend Whole gcd(Whole a, Whole const& b) {
+    poll_products(a, b, 16);
     mpz_gcd(a.own, a.own, b.own);
     return a;
   }
 
  private:
+  static void poll_products(Whole const& a, Whole const& b, double count = 1) {
+    work::poll_products(static_cast<mp_size_t>(std::max(mpz_size(a.own), mpz_size(b.own))), count);
+  }
+
   mpz_t own;
 };
 
