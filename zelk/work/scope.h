@@ -14,9 +14,8 @@ namespace zelk::work {
 /// Why a computation has been stopped.
 enum class Reason { request, work, deadline };
 
-/// Thrown where a `Scope` stops a computation. Nothing is lost by it: every object has the
-/// value that it had, or one that it could have had without a stop, and the same question asked
-/// again has the same answer.
+/// Thrown where a `Scope` stops a computation. Nothing is lost by it: a number has the value that
+/// it had, a table whole records, and the same question asked again has the same answer.
 class ZELK_EXPORT Stopped : public std::runtime_error {
  public:
   Stopped(Reason stop_reason, double work_done);
@@ -34,7 +33,9 @@ class ZELK_EXPORT Stopped : public std::runtime_error {
 /// What the computations of a thread may take.
 struct Limits {
   /// In units: a product of two numbers of b bits counts b^(3/2), a division four times as much,
-  /// and a pass over such a number 8 b. So a quota has the same outcome on every machine.
+  /// and a pass over such a number 8 b. What an object has kept from questions before is not
+  /// computed, and so not counted: the same questions to fresh objects, in the same order, have the
+  /// same outcome on every machine.
   double work = std::numeric_limits<double>::infinity();
 
   /// By the clock.
@@ -49,7 +50,8 @@ struct Limits {
 };
 
 /// Stops, while it lives, whatever this library computes on the thread that made it, once that goes
-/// beyond the limits: by `Stopped`. Of several those of all hold.
+/// beyond the limits, by `Stopped`: the series, walks, searches and functions of all folders, texts
+/// and the checker of certificates. Of several scopes the limits of all hold.
 ///
 /// It is asked before each block of terms, each refinement, each step of a walk and each node of a
 /// splitting: a stop takes effect within milliseconds, or after the one product, division, root or
