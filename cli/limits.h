@@ -1,6 +1,7 @@
 #pragma once
 
 #include <limits>
+#include <optional>
 #include <string_view>
 
 #include "cli/demand.h"
@@ -13,8 +14,10 @@ namespace zelk::cli {
 struct Limits {
   unsigned max_digits = 100'000;
   double max_bits = 4e9;  // half a gigabyte
-  double max_seconds = std::numeric_limits<double>::infinity();
-  double max_work = std::numeric_limits<double>::infinity();  // in the units of zelk::work
+
+  static constexpr double unlimited = std::numeric_limits<double>::infinity();
+  double max_seconds = unlimited;
+  double max_work = unlimited;  // in the units of zelk::work
 
   /// The demand of a query.
   /// Throws: Refusal, if it asks for more digits, or if the demand is too great.
@@ -37,7 +40,8 @@ struct Limits {
 template <class Answer>
 auto Limits::within(Answer const& answer) const {
   try {
-    work::Scope const scope(of_work());
+    std::optional<work::Scope> scope;
+    if (max_seconds != unlimited || max_work != unlimited) scope.emplace(of_work());
     return answer();
   } catch (work::Stopped const& stopped) {
     tell(stopped);
