@@ -125,7 +125,7 @@ work::Limits Watched::limits() const {
   return limits;
 }
 
-void Watched::stay_if_over() {
+Watched::Absence::~Absence() {
   if (!process().end.stop_requested() || is_main_thread()) return;
   --process().watched;
   for (;;) pause();

@@ -45,8 +45,18 @@ class Watched {
  private:
   work::Limits limits() const;
 
-  /// Where the interpreter has ended, a thread other than its main one must not want it back.
-  static void stay_if_over();
+  /// While it lives, others have the interpreter. Where that has ended meanwhile, a thread other
+  /// than its main one must not want it back: it stays away for good.
+  class Absence {
+   public:
+    Absence() = default;
+    Absence(Absence const&) = delete;
+    Absence& operator=(Absence const&) = delete;
+    ~Absence();
+
+   private:
+    py::gil_scoped_release released;
+  };
 
   Watched* outer;  // of the question that a handler of a signal interrupts
   std::shared_ptr<Allowance> allowance;
@@ -57,10 +67,7 @@ class Watched {
 template <class Compute>
 auto Watched::run(Compute const& compute) {
   Watched const watched;
-  py::gil_scoped_release const release;
-  struct Staying {
-    ~Staying() { stay_if_over(); }
-  } const staying;
+  Absence const others_go_on;
   return compute();
 }
 
