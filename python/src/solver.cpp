@@ -194,7 +194,7 @@ class Solver {
   Series series{rational};
   std::timed_mutex mutex;
   std::atomic<std::thread::id> asker;
-  std::atomic<pid_t> process = 0;
+  std::atomic<pid_t> process = getpid();  // that of the last one asked, or of its making
 };
 
 /// That the bounds of a solver, which are found once more, hold what they are bounds of.
